@@ -1,0 +1,12 @@
+#ifndef CORVANE_CORVANE_H
+#define CORVANE_CORVANE_H
+
+// Everything that the library offers.
+
+#include "EngineMPR.h"
+#include "Export.h"
+#include "Records.h"
+#include "RenderMPR.h"
+#include "VolumeUtil.h"
+
+#endif
