@@ -230,7 +230,7 @@ void ClassifyBlock(const VisibleValues& values, const VisibleLabels& labels, Blo
 } // namespace
 
 BlockTree::BlockTree(const BlockTree& other)
-    : BlockLayout(other), nodes(other.nodes), levels(other.levels), blocks(other.blocks)
+    : BlockLayout(other), nodes(other.nodes), levels(other.levels), rootMasks(other.rootMasks), blocks(other.blocks)
 {
     // The copied pointers name the other tree's nodes and levels.
     for (BlockNode*& level : levels)
@@ -276,6 +276,7 @@ bool BuildBlockTree(const KsVolumeData& volume, BlockTree& tree)
     built.nodes.assign(size_t(SumOf(full) * built.fullBlockCount + SumOf(partial) * built.partialBlockCount),
                        kEmptyNode);
     built.levels.resize(size_t(kLevelCount) * size_t(built.blockCount));
+    built.rootMasks.resize(size_t(built.blockCount));
     built.blocks.resize(size_t(built.blockCount));
     BlockNode* next = built.nodes.data();
     for (int32_t block = 0; block < built.blockCount; ++block)
@@ -306,7 +307,10 @@ bool ComputeBlockRanges(const VolumeView& volume, BlockTree& tree)
            [&](int64_t first, int64_t end) noexcept
            {
                for (int64_t block = first; block < end; ++block)
+               {
                    ScanBlockRange(volume, tree, block);
+                   tree.rootMasks[size_t(block)] = 0;
+               }
            });
     return true;
 }
@@ -321,7 +325,10 @@ bool UpdateBlockVisibility(const LabelView& labels, const VolumePalette& palette
            [&](int64_t first, int64_t end) noexcept
            {
                for (int64_t block = first; block < end; ++block)
+               {
                    ClassifyBlock(visibleValues, visibleLabels, tree, block);
+                   tree.rootMasks[size_t(block)] = tree.blocks[size_t(block)].levels[0][0].mask;
+               }
            });
     return true;
 }

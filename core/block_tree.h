@@ -50,7 +50,8 @@ struct BlockTree : BlockLayout
     BlockTree& operator=(BlockTree&&) = default;
 
     std::vector<BlockNode> nodes;
-    std::vector<BlockNode*> levels; // into the nodes, four per block
+    std::vector<BlockNode*> levels;  // into the nodes, four per block
+    std::vector<uint16_t> rootMasks; // copies of the masks of level 0
     std::vector<BlockRecord> blocks;
 };
 

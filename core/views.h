@@ -44,6 +44,7 @@ static_assert(sizeof(BlockNode) == 6);
 struct BlockView
 {
     const BlockNode* const* levels; // four pointers per block
+    const uint16_t* rootMasks;      // one per block, side by side for rays that cross many empty ones
     int32_t blocksX, blocksPerLayer;
 };
 

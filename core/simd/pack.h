@@ -14,6 +14,11 @@ typedef float FloatPack __attribute__((vector_size(4 * KERNEL_LANES)));
 typedef int32_t IntPack __attribute__((vector_size(4 * KERNEL_LANES))); // a comparison gives -1 or 0 per lane
 typedef int16_t ShortPack __attribute__((vector_size(2 * KERNEL_LANES)));
 
+struct VectorPack
+{
+    FloatPack x, y, z;
+};
+
 inline IntPack ToInt(FloatPack a) { return __builtin_convertvector(a, IntPack); } // truncates
 inline FloatPack ToFloat(IntPack a) { return __builtin_convertvector(a, FloatPack); }
 inline ShortPack ToShort(IntPack a) { return __builtin_convertvector(a, ShortPack); }

@@ -1,0 +1,14 @@
+#include "bench_volume.h"
+
+#include "host/read_volume.h"
+
+namespace corvane::bench
+{
+BenchVolume::BenchVolume(const std::string& input)
+    : name(input.substr(input.rfind('/') + 1)), volume(host::ReadVolume(input)), records(volume, host::Padding{})
+{
+    const KsVolumeData& data = records.Data();
+    view = {data.slices, data.sizeX, data.sizeY, data.sizeZ};
+    core::PrepareVolumeGeometry(data, geometry);
+}
+} // namespace corvane::bench

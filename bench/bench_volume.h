@@ -1,0 +1,28 @@
+#ifndef CORVANE_BENCH_BENCH_VOLUME_H
+#define CORVANE_BENCH_BENCH_VOLUME_H
+
+#include "core/geometry.h"
+#include "core/views.h"
+#include "host/volume.h"
+
+#include <string>
+
+namespace corvane::bench
+{
+// The volume that every benchmark runs on, read once: the program's first argument, by default the phantom.
+struct BenchVolume
+{
+    explicit BenchVolume(const std::string& input);
+
+    std::string name;
+    host::Volume volume;
+    host::VolumeView records;
+    core::VolumeView view;
+    core::VolumeGeometry geometry = {};
+};
+
+void RegisterBlockTree(const BenchVolume& volume);
+void RegisterPlanes(const BenchVolume& volume);
+} // namespace corvane::bench
+
+#endif

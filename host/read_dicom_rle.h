@@ -1,0 +1,17 @@
+#ifndef CORVANE_HOST_READ_DICOM_RLE_H
+#define CORVANE_HOST_READ_DICOM_RLE_H
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace corvane::host
+{
+// The pixels of one run-length coded picture, least significant byte first; nothing when it is damaged.
+//   pixelCount     pixels of the picture
+//   bytesPerPixel  each byte of a pixel is a plane of its own, the most significant first
+// Source: DICOM PS3.5 annex G.
+std::optional<std::vector<char>> DecodeRle(const std::string& fragment, size_t pixelCount, size_t bytesPerPixel);
+} // namespace corvane::host
+
+#endif
