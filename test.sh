@@ -1,0 +1,176 @@
+#!/usr/bin/env bash
+# Builds with warnings as errors and runs every test. The last line says how many passed and failed.
+#   usage: ./test.sh [--quick | --only STEP]
+#   --quick  leaves out the two sanitizer steps
+#   STEP     release  all tests, and those of the installed package, built for release by g++
+#            asan     the tests under AddressSanitizer and UndefinedBehaviorSanitizer, built by clang++
+#            tsan     the tests under ThreadSanitizer, built by g++
+#            format   the format of every C++ file
+#            headers  the public headers, each on its own, with every compiler
+set -uo pipefail
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
+readonly root
+readonly allSteps=(release headers format asan tsan)
+passed=0 failed=0 skipped=0
+launcher=() # a command that starts what runs the tests
+
+usageError()
+{
+    echo "test.sh: $1; usage: ./test.sh [--quick | --only release|asan|tsan|format|headers]" >&2
+    exit 2
+}
+
+stepFailed()
+{
+    echo "test.sh: $1" >&2
+    failed=$((failed + 1))
+}
+
+# An attribute of the test suite in a report of ctest.
+#   $1  the report
+#   $2  the attribute
+countIn()
+{
+    sed -n "s/^[[:space:]]*$2=\"\([0-9]*\)\".*/\1/p" "$1" | head -n 1
+}
+
+# Configures a build folder with all options but those given.
+configure()
+{
+    local build=$1
+    shift
+    cmake -S "$root" -B "$build" -G Ninja --log-level=WARNING -DCORVANE_WARNINGS_AS_ERRORS=ON -DCORVANE_BUILD_APPS=ON \
+        -DCORVANE_BUILD_TESTS=ON "$@" >/dev/null
+}
+
+configureRelease()
+{
+    configure "$1" -DCMAKE_BUILD_TYPE=Release -DCMAKE_CXX_COMPILER=g++ -DCORVANE_BUILD_BENCH=ON
+}
+
+# Runs tests of a build folder and adds ctest's own counts to the totals.
+#   $1       the build folder
+#   $2 ...   options for ctest
+runTests()
+{
+    local build=$1 report=$1/report.xml
+    shift
+    rm -f "$report"
+    "${launcher[@]}" ctest --test-dir "$build" --parallel 2 --output-on-failure --no-tests=error \
+        --output-junit "$report" "$@"
+    local result=$?
+    if [ ! -s "$report" ]; then
+        stepFailed "ctest left no report in $build"
+        return
+    fi
+    local tests failures left notRun
+    tests=$(countIn "$report" tests)
+    left=$(($(grep -c '<skipped message="SKIP_' "$report") + $(countIn "$report" disabled)))
+    notRun=$(($(countIn "$report" skipped) + $(countIn "$report" disabled) - left)) # a program that was not built
+    failures=$(($(countIn "$report" failures) + notRun))
+    passed=$((passed + tests - failures - left))
+    failed=$((failed + failures))
+    skipped=$((skipped + left))
+    if [ $result -ne 0 ] && [ $failures -eq 0 ]; then
+        stepFailed "ctest failed in $build"
+    fi
+}
+
+step_release()
+{
+    local build=$root/build/test-release
+    if ! { configureRelease "$build" && cmake --build "$build" --parallel "$(nproc)"; }; then
+        stepFailed "the release build failed"
+        return
+    fi
+    runTests "$build" --label-exclude headers
+}
+
+step_headers()
+{
+    local build=$root/build/test-release
+    if ! configureRelease "$build"; then
+        stepFailed "the release build cannot be configured"
+        return
+    fi
+    runTests "$build" --label-regex headers
+}
+
+step_format()
+{
+    if "$root/scripts/check_format.sh"; then
+        passed=$((passed + 1))
+    else
+        stepFailed "the format is not that of .clang-format; run: clang-format -i FILE"
+    fi
+}
+
+# Builds with a sanitizer, assertions on, and runs all tests but those of the installed package.
+#   $1  the compiler
+#   $2  the sanitizers
+#   $3  the build folder
+sanitized()
+{
+    local compiler=$1 sanitizers=$2 build=$3
+    # clang++ puts the sanitizer's runtime into programs only, so libraries are linked with its names left open.
+    local linking=-Wl,-z,undefs
+    local flags="-O1 -g -fno-omit-frame-pointer -fsanitize=$sanitizers -fno-sanitize-recover=all"
+    if ! { configure "$build" -DCMAKE_BUILD_TYPE=None -DCMAKE_CXX_COMPILER="$compiler" -DCMAKE_CXX_FLAGS="$flags" \
+        -DCMAKE_CXX_STANDARD_LIBRARIES="$linking" &&
+        "${launcher[@]}" cmake --build "$build" --parallel "$(nproc)"; }; then
+        stepFailed "the build with -fsanitize=$sanitizers failed"
+        return
+    fi
+    runTests "$build" --label-exclude 'package|headers'
+}
+
+step_asan()
+{
+    export ASAN_OPTIONS=detect_leaks=1:strict_string_checks=1 UBSAN_OPTIONS=print_stacktrace=1
+    sanitized clang++ address,undefined "$root/build/test-asan"
+}
+
+step_tsan()
+{
+    export TSAN_OPTIONS=halt_on_error=1
+    # ThreadSanitizer cannot place its shadow memory where the kernel randomises addresses by more than 28 bits. The
+    # build runs test programs too: it asks them for their tests.
+    local plainAddresses=(setarch "$(uname -m)" --addr-no-randomize)
+    "${plainAddresses[@]}" true 2>/dev/null && launcher=("${plainAddresses[@]}")
+    sanitized g++ thread "$root/build/test-tsan"
+    launcher=()
+}
+
+steps=("${allSteps[@]}")
+case ${1:-} in
+'') ;;
+-h | --help)
+    sed -n '2,10s/^# \{0,3\}//p' "${BASH_SOURCE[0]}"
+    exit 0
+    ;;
+--quick)
+    [ $# -eq 1 ] || usageError "--quick stands alone"
+    steps=(release headers format)
+    ;;
+--only)
+    [ $# -eq 2 ] || usageError "--only needs one step"
+    [[ " ${allSteps[*]} " == *" $2 "* ]] || usageError "there is no step '$2'"
+    steps=("$2")
+    ;;
+*) usageError "unknown option '$1'" ;;
+esac
+
+if "$root/scripts/install_packages.sh" build apps test; then
+    for step in "${steps[@]}"; do
+        echo "== $step"
+        "step_$step"
+    done
+else
+    stepFailed "the packages for building and testing are not there"
+fi
+
+[ $((passed + failed)) -gt 0 ] || stepFailed "no test ran"
+summary="$passed passed, $failed failed"
+[ $skipped -eq 0 ] || summary="$summary, $skipped skipped"
+echo "$summary"
+[ $failed -eq 0 ]
