@@ -6,6 +6,7 @@
 #include "EngineMPR.h"
 #include "Export.h"
 #include "Records.h"
+#include "Render3D.h"
 #include "RenderMPR.h"
 #include "VolumeUtil.h"
 

@@ -1,0 +1,66 @@
+#ifndef CORVANE_RENDER3D_KERNELS_KERNELS_H
+#define CORVANE_RENDER3D_KERNELS_KERNELS_H
+
+#include "core/views.h"
+
+#include <cstdint>
+#include <span>
+
+// The kernels of the 3D renderer, compiled once per instruction set and reached through one table.
+namespace corvane::render3d
+{
+// What every ray of a frame sees. All borrowed for the frame.
+struct Scene
+{
+    core::VolumeView volume; // every slice valid
+    core::LabelView labels;
+    core::BlockView blocks; // brought up to date with labels and palette
+    const core::PaletteView* palette;
+    core::Directions directions;        // of the volume
+    core::Vec3f inverseRelativeSpacing; // smallest spacing / spacing
+};
+
+// A flat image where it crosses a ray.
+struct BlendLayer
+{
+    float depth; // distance from the ray's start, voxels
+    float opacity;
+    uint8_t red, green, blue;
+};
+
+constexpr int kMostBlendLayers = 4;
+constexpr int kRaysPerBatch = 8; // a whole number of packs of every instruction set
+
+// A few rays, one array per number so that kernels load neighbours side by side. Places, directions and distances are
+// in voxel-index space.
+struct RayBatch
+{
+    int count;
+    float startX[kRaysPerBatch], startY[kRaysPerBatch], startZ[kRaysPerBatch];
+    float directionX[kRaysPerBatch], directionY[kRaysPerBatch], directionZ[kRaysPerBatch]; // unit vectors, or 0
+    float stepX[kRaysPerBatch], stepY[kRaysPerBatch], stepZ[kRaysPerBatch];
+    float stepLength[kRaysPerBatch];
+    float entryX[kRaysPerBatch], entryY[kRaysPerBatch], entryZ[kRaysPerBatch];
+    float entryDistance[kRaysPerBatch], exitDistance[kRaysPerBatch]; // entry at or behind exit: the ray misses
+    float lightX[kRaysPerBatch], lightY[kRaysPerBatch], lightZ[kRaysPerBatch]; // patient space
+    BlendLayer layers[kRaysPerBatch][kMostBlendLayers];                        // by depth
+    int layerCount[kRaysPerBatch];
+};
+
+struct KernelTable
+{
+    const char* instructionSet; // the name of the copy's namespace
+
+    // Composites the visible samples and the blend layers of each ray front to back into a pixel: bits 0 to 7 coverage,
+    // 8 to 15 red, 16 to 23 green, 24 to 31 blue. Never reads outside the volume, and ends for every input.
+    void (*integrateRays)(const Scene& scene, const RayBatch& rays, uint32_t* pixels);
+};
+
+// The copies that this machine runs, the fastest last.
+std::span<const KernelTable* const> AvailableKernels();
+
+// The fastest of them.
+const KernelTable& Kernels();
+} // namespace corvane::render3d
+
+#endif

@@ -1,0 +1,104 @@
+#include "corvane/Render3D.h"
+
+#include "scenes.h"
+#include "scratch_folder.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+
+#ifndef _WIN32
+// The diagnostic file that new labels leave in the working folder.
+namespace corvane::tests
+{
+namespace
+{
+constexpr PnImageParam kFront = {20, 20, 1, 1, {1, 0, 0}, {0, 1, 0}, {0, 0, -10}};
+
+// All of it is opaque.
+Scene SolidScene()
+{
+    Scene scene;
+    scene.volume = MakeVolume(20, 20, 20, [](int, int, int) { return 1000; });
+    scene.palette.AddOpaqueFrom(0, 500, {200, 0, 0});
+    return scene;
+}
+} // namespace
+
+TEST(MarkDump, HoldsTheFirstFourLabelsOfEverySlice)
+{
+    const ScratchFolder folder;
+    TestLabels labels = MakeLabels(5, 3, 6, [](int i, int j, int k) { return 40 * k + 8 * j + i + 1; });
+    Render3D render; // without a volume, too
+    render.SetVolumeMark(labels.mark);
+    std::string expected;
+    for (int k = 0; k < 6; ++k)
+        for (int i = 0; i < 4; ++i)
+            expected += char(40 * k + i + 1);
+    EXPECT_EQ(ScratchFolder::Dump(), expected);
+
+    // Every call starts the file anew.
+    labels.mark.sizeZ = 2;
+    render.SetVolumeMark(labels.mark);
+    EXPECT_EQ(ScratchFolder::Dump(), expected.substr(0, 8));
+}
+
+TEST(MarkDump, PadsSlicesOfFewerThanFourLabelsWithZeros)
+{
+    const ScratchFolder folder;
+    Render3D render;
+    for (const auto& size : {std::array<int, 2>{1, 1}, {3, 1}, {1, 2}})
+    {
+        TestLabels labels = MakeLabels(size[0], size[1], 3, [](int i, int j, int k) { return 10 * k + i + j + 1; });
+        render.SetVolumeMark(labels.mark);
+        std::string expected;
+        for (int k = 0; k < 3; ++k)
+            for (int i = 0; i < 4; ++i)
+                expected += i < size[0] * size[1] ? char(10 * k + i + 1) : char(0);
+        EXPECT_EQ(ScratchFolder::Dump(), expected);
+    }
+}
+
+TEST(MarkDump, IsEmptyWithoutSlices)
+{
+    const ScratchFolder folder;
+    TestLabels labels = MakeLabels(5, 3, 6, [](int, int, int) { return 1; });
+    labels.mark.sizeZ = 0;
+    Render3D render;
+    render.SetVolumeMark(labels.mark);
+    EXPECT_TRUE(std::filesystem::exists(ScratchFolder::kDumpName));
+    EXPECT_EQ(ScratchFolder::Dump(), "");
+}
+
+TEST(MarkDump, SaysNothingWhereTheFileCannotBeWritten)
+{
+    const ScratchFolder folder;
+    std::filesystem::create_directory(ScratchFolder::kDumpName);
+    const Scene scene = SolidScene();
+    TestLabels cut = MakeLabels(20, 20, 20, [](int, int, int) { return 64; });
+    Render3D render;
+    ASSERT_TRUE(render.InitData(scene.volume.data, {}, scene.palette.palette));
+    testing::internal::CaptureStdout();
+    testing::internal::CaptureStderr();
+    render.SetVolumeMark(cut.mark);
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+    TestImage image(kFront);
+    ASSERT_TRUE(render.ImagingVR(&image.image, 0));
+    EXPECT_EQ(image.At(10, 10), 0u); // the labels were taken
+}
+
+TEST(MarkDump, ComesFromSetVolumeMarkOnly)
+{
+    const ScratchFolder folder;
+    const Scene scene = SolidScene();
+    TestLabels labels = MakeLabels(20, 20, 20, [](int, int, int) { return 0; });
+    Render3D render;
+    ASSERT_TRUE(render.InitData(scene.volume.data, labels.mark, scene.palette.palette));
+    ASSERT_EQ(render.AttachVolumeData(scene.volume.data), 1);
+    TestImage image(kFront);
+    EXPECT_TRUE(render.ImagingVR(&image.image, 0));
+    EXPECT_FALSE(std::filesystem::exists(ScratchFolder::kDumpName));
+}
+} // namespace corvane::tests
+#endif

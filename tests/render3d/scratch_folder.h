@@ -1,0 +1,48 @@
+#ifndef CORVANE_TESTS_RENDER3D_SCRATCH_FOLDER_H
+#define CORVANE_TESTS_RENDER3D_SCRATCH_FOLDER_H
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+
+namespace corvane::tests
+{
+// A working folder of its own for as long as a test needs one: the renderer leaves a diagnostic file behind.
+class ScratchFolder
+{
+public:
+    ScratchFolder() : before_(std::filesystem::current_path())
+    {
+        for (int number = 0; path_.empty(); ++number)
+        {
+            const std::filesystem::path path =
+                std::filesystem::temp_directory_path() / ("corvane_render3d_" + std::to_string(number));
+            if (std::filesystem::create_directory(path))
+                path_ = path;
+        }
+        std::filesystem::current_path(path_);
+    }
+    ~ScratchFolder()
+    {
+        std::filesystem::current_path(before_);
+        std::filesystem::remove_all(path_);
+    }
+    ScratchFolder(const ScratchFolder&) = delete;
+    ScratchFolder& operator=(const ScratchFolder&) = delete;
+
+    // The bytes of the diagnostic file, whose name is a path on Windows and a plain name elsewhere.
+    static std::string Dump()
+    {
+        std::ifstream file(kDumpName, std::ios::binary);
+        return {std::istreambuf_iterator<char>(file), {}};
+    }
+
+    static constexpr char kDumpName[] = "D:\\mark.data";
+
+private:
+    std::filesystem::path before_, path_;
+};
+} // namespace corvane::tests
+
+#endif
