@@ -19,6 +19,7 @@ int main(int argc, char** argv)
         const corvane::bench::BenchVolume volume(argc == 2 ? argv[1] : "phantom:");
         corvane::bench::RegisterBlockTree(volume);
         corvane::bench::RegisterPlanes(volume);
+        corvane::bench::RegisterRenderings(volume);
         benchmark::RunSpecifiedBenchmarks();
     }
     catch (const corvane::host::Error& error)

@@ -158,5 +158,38 @@ if [ "$input" = phantom: ]; then
     done
 fi
 
+section "Volume rendering" "Parallel rays, light from the eye; each picture with another transfer function or from elsewhere."
+if grep -q '^values.* HU$' <<<"$info"; then
+    for preset in default bone vessels muscle skin lung; do
+        picture "vr_$preset" "Preset: $preset" vr "$input" --preset "$preset"
+    done
+    structure=bone
+else
+    picture vr_default "Preset: default, which follows the values of this volume" vr "$input"
+    structure=default
+fi
+for view in left posterior superior; do
+    picture "vr_$view" "Seen from another side: $view" vr "$input" --preset "$structure" --view "$view"
+done
+picture vr_planes "Three planes in their places" vr "$input" --preset "$structure" --planes --azimuth 35 --elevation 25
+strip vr_turn "A turn round the patient" vr "$input" --preset "$structure" --turntable 8 --size 256
+
+case $input in
+phantom:*)
+    section "Labels in three dimensions" "A transfer function for each label."
+    picture vr_labels "Labels solid, without the body and the rest" \
+        vr "$input" --show-labels --label-palette 0:hide --label-palette 1:hide
+    picture vr_palettes "Bone, vessels and liver by their values, the bowel solid" \
+        vr "$input" --show-labels --label-palette 0:hide --label-palette 1:hide --label-palette 6:hide \
+        --label-palette 2:bone --label-palette 3:vessels --label-palette 5:muscle
+    section "Virtual endoscopy" "A look from inside the body."
+    picture ve_bowel "A polyp in the bowel, between two folds" ve "$input"
+    picture ve_airway "The airway, down to where it divides" \
+        ve "$input" --eye 1.5,7,120 --direction 0,0,-1 --up 0,-1,0
+    strip ve_flight "A flight through the bowel" \
+        ve "$input" --point 60,-36,-51 --point 40,-46,-62 --point 10,-52,-78 --point -30,-46,-83 --frames 8 --size 256
+    ;;
+esac
+
 printf '</div>\n</body>\n</html>\n' >>"$page"
 mv "$page" "$outDir/index.html"

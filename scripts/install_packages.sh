@@ -10,7 +10,7 @@ packagesOf()
 {
     case $1 in
     build) echo g++ cmake ninja-build ;;
-    apps) echo libgdcm-dev libnifti2-dev libteem-dev libpng-dev zlib1g-dev libcli11-dev nlohmann-json3-dev ;;
+    apps) echo libgdcm-dev libnifti2-dev libteem-dev libpng-dev zlib1g-dev libcli11-dev nlohmann-json3-dev libtinyxml2-dev ;;
     test) echo libgtest-dev libbenchmark-dev clang libclang-rt-dev clang-format pkgconf git ;;
     *) return 1 ;;
     esac

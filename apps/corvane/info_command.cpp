@@ -8,6 +8,7 @@
 #include "host/read_text.h"
 #include "host/read_volume.h"
 #include "host/window.h"
+#include "input_option.h"
 #include "report.h"
 
 namespace corvane::app
@@ -165,9 +166,7 @@ void AddInfoCommand(CLI::App& program)
 {
     auto options = std::make_shared<InfoOptions>();
     CLI::App* info = program.add_subcommand("info", "Say what a volume is: size, geometry, values, labels");
-    info->add_option("INPUT", options->input, "DICOM folder or file, .nii, .nii.gz, .nrrd, .nhdr, .mha, .mhd, phantom:")
-        ->type_name("")
-        ->required();
+    AddInput(*info, options->input);
     info->add_option("--series", options->series, "which series of a DICOM folder, by number or UID")
         ->type_name("SERIES");
     info->add_flag("--ras", options->ras, "print patient space as RAS instead of LPS");

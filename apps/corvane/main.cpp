@@ -8,6 +8,8 @@
 #include "info_command.h"
 #include "mpr_command.h"
 #include "report.h"
+#include "ve_command.h"
+#include "vr_command.h"
 
 namespace
 {
@@ -21,10 +23,13 @@ int Run(int argumentCount, char** arguments)
     program.footer(std::string("Examples:\n"
                                "  corvane info study/\n"
                                "  corvane mpr study/ --window lung --output pictures/\n"
+                               "  corvane vr study/ --preset bone --output bone.png\n"
                                "  corvane mpr --help\n\n") +
                    app::kExitCodes);
     app::AddInfoCommand(program);
     app::AddMprCommand(program);
+    app::AddVrCommand(program);
+    app::AddVeCommand(program);
     try
     {
         program.parse(argumentCount, arguments);

@@ -4,6 +4,7 @@
 
 #include "host/error.h"
 #include "host/numbers.h"
+#include "input_option.h"
 #include "report.h"
 
 namespace corvane::app
@@ -94,9 +95,7 @@ void AddMprOptions(CLI::App& mpr, MprOptions& options)
     { return mpr.add_option(name, value, description)->type_name(form)->group(group); };
     const auto addFlag = [&](const std::string& name, bool& value, const std::string& description)
     { mpr.add_flag(name, value, description)->group(group); };
-    mpr.add_option("INPUT", options.input, "DICOM folder or file, .nii, .nii.gz, .nrrd, .nhdr, .mha, .mhd, phantom:")
-        ->type_name("")
-        ->required();
+    AddInput(mpr, options.input);
     add("--series", options.series, "SERIES", "which series of a DICOM folder, by number or UID");
     add("-o,--output", options.output, "PATH",
         "a file for one picture; for more a folder, or a pattern with\n{plane} and {index}; - is standard output")

@@ -40,11 +40,19 @@ TEST(Program, ExplainsAWrongCommandLineInOneLine)
     const ScratchFolder folder;
     ExpectRefusal(Corvane(folder, {}), 2, "see corvane --help");
     ExpectRefusal(Corvane(folder, {"paint"}), 2, "paint");
-    ExpectRefusal(Corvane(folder, {"info"}), 2, "INPUT");
     ExpectRefusal(Corvane(folder, {"info", "phantom:", "--colour"}), 2, "--colour");
     ExpectRefusal(Corvane(folder, {"mpr", "phantom:"}), 2, "see corvane mpr --help");
     ExpectRefusal(Corvane(folder, {"mpr", "phantom:", "--output"}), 2, "see corvane mpr --help");
     EXPECT_TRUE(FilesIn(folder.Path()).empty());
+}
+
+TEST(Program, TakesThePhantomWhenNoVolumeIsNamed)
+{
+    const ScratchFolder folder;
+    const Outcome unnamed = Corvane(folder, {"info"});
+    EXPECT_EQ(unnamed.code, 0) << unnamed.err;
+    EXPECT_EQ(unnamed.out, Corvane(folder, {"info", "phantom:"}).out);
+    EXPECT_NE(unnamed.out, Corvane(folder, {"info", "phantom:size=64x64x64"}).out);
 }
 
 TEST(Program, ReportsInputThatCannotBeRead)

@@ -1,0 +1,81 @@
+#include "sample_count.h"
+
+// The walk over the block tree is the kernel's own, compiled here once more.
+#define KERNEL_ISA counting
+#define KERNEL_LANES 4
+#include "core/simd/sampling.h"
+#include "render3d/kernels/visible_run.h"
+
+#include <algorithm>
+#include <atomic>
+
+namespace corvane::bench
+{
+namespace
+{
+constexpr float kOpaque = 0.001f;
+constexpr float kVisibleOpacity = 0.01f;
+
+std::atomic<int64_t> castRays, takenSamples;
+
+counting::FloatPack OpacitiesAt(const render3d::Scene& scene, const counting::VectorPack& p)
+{
+    const counting::IntPack values = counting::ToInt(counting::SampleTrilinear(scene.volume, p.x, p.y, p.z) + 0.5f);
+    const core::PaletteEntryView& entry = scene.palette->entries[0];
+    counting::FloatPack opacities = {};
+    for (int lane = 0; lane < counting::kLanes; ++lane)
+    {
+        const int64_t index = int64_t(values[lane]) - entry.start;
+        if (index >= 0 && index < int64_t(entry.size))
+            opacities[lane] = entry.opacities[index];
+    }
+    return opacities;
+}
+
+int64_t SamplesOn(const render3d::Scene& scene, const render3d::RayBatch& batch, int first)
+{
+    using namespace counting;
+    const RayPack rays = LoadRays(batch, first, scene.inverseRelativeSpacing);
+    PlacePack place = EntryOf(batch, first, scene.volume);
+    FloatPack transmittance = FloatPack{} + 1.0f;
+    const FloatPack somewhere = FloatPack{} + 1.0f;
+    IntPack live = place.distance < rays.exitDistance, steps = {}, samples = {};
+    for (int lane = batch.count - first; lane < kLanes; ++lane)
+        live[lane] = 0;
+    while (Any(live))
+    {
+        FindRuns(scene, rays, live & (steps <= 0), place, steps, live);
+        place.distance += rays.stepLength;
+        live &= place.distance <= rays.exitDistance;
+        Advance(rays, place);
+        steps -= 1;
+        samples -= live; // a set lane is -1
+        const VectorPack& p = place.position;
+        const FloatPack opacities =
+            OpacitiesAt(scene, {live ? p.x : somewhere, live ? p.y : somewhere, live ? p.z : somewhere});
+        const IntPack seen = live & (opacities > kVisibleOpacity);
+        transmittance = seen ? transmittance * (1.0f - opacities) : transmittance;
+        live &= transmittance >= kOpaque;
+    }
+    int64_t sum = 0;
+    for (int lane = 0; lane < kLanes; ++lane)
+        sum += samples[lane];
+    return sum;
+}
+
+void CountRays(const render3d::Scene& scene, const render3d::RayBatch& rays, uint32_t* pixels)
+{
+    std::fill_n(pixels, rays.count, 0u);
+    for (int first = 0; first < rays.count; first += counting::kLanes)
+        takenSamples += SamplesOn(scene, rays, first);
+    castRays += rays.count;
+}
+} // namespace
+
+RayCount CountSamples(const std::function<void(const render3d::KernelTable& counting)>& draw)
+{
+    castRays = takenSamples = 0;
+    draw({"counting", CountRays});
+    return {castRays, takenSamples};
+}
+} // namespace corvane::bench
