@@ -127,6 +127,7 @@ sanitized()
 step_asan()
 {
     export ASAN_OPTIONS=detect_leaks=1:strict_string_checks=1 UBSAN_OPTIONS=print_stacktrace=1
+    export LSAN_OPTIONS=suppressions=$root/tests/leaks_of_libraries.supp:print_suppressions=0
     sanitized clang++ address,undefined "$root/build/test-asan"
 }
 
