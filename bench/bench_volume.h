@@ -23,6 +23,7 @@ struct BenchVolume
 
 void RegisterBlockTree(const BenchVolume& volume);
 void RegisterPlanes(const BenchVolume& volume);
+void RegisterProjections(const BenchVolume& volume);
 void RegisterRenderings(const BenchVolume& volume);
 } // namespace corvane::bench
 

@@ -20,6 +20,7 @@ int main(int argc, char** argv)
         corvane::bench::RegisterBlockTree(volume);
         corvane::bench::RegisterPlanes(volume);
         corvane::bench::RegisterRenderings(volume);
+        corvane::bench::RegisterProjections(volume);
         benchmark::RunSpecifiedBenchmarks();
     }
     catch (const corvane::host::Error& error)

@@ -44,7 +44,7 @@ int64_t SamplesOn(const render3d::Scene& scene, const render3d::RayBatch& batch,
         live[lane] = 0;
     while (Any(live))
     {
-        FindRuns(scene, rays, live & (steps <= 0), place, steps, live);
+        FindVisibleRuns(scene, rays, live & (steps <= 0), place, steps, live);
         place.distance += rays.stepLength;
         live &= place.distance <= rays.exitDistance;
         Advance(rays, place);
@@ -75,7 +75,7 @@ void CountRays(const render3d::Scene& scene, const render3d::RayBatch& rays, uin
 RayCount CountSamples(const std::function<void(const render3d::KernelTable& counting)>& draw)
 {
     castRays = takenSamples = 0;
-    draw({"counting", CountRays});
+    draw({"counting", CountRays, nullptr, nullptr, nullptr});
     return {castRays, takenSamples};
 }
 } // namespace corvane::bench

@@ -62,6 +62,7 @@ struct PaletteEntryView
 struct PaletteView
 {
     PaletteEntryView entries[256];
+    uint8_t shown[256]; // whether voxels of the label take part in projections, which need no tables
 };
 
 // Neighbouring pixels of one image row in voxel-index space. A pixel's place is that of its neighbour plus the step,

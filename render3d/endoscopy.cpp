@@ -36,17 +36,17 @@ void RenderEndoscopy(const VolumeSlot& slot, const VolumePalette& palette, Vec3f
                      const KernelTable& kernels)
 {
     const ViewPlane plane(image.param);
-    const Frame frame(slot, palette);
+    const Frame frame(slot, &palette);
     const Vec3f indexEye = PatientToIndex(slot.geometry, eye);
     FanOut(plane.rows * plane.columns,
            [&](int64_t first, int64_t end) noexcept
            {
-               RayBatcher batcher(frame, kernels, image.pixels);
+               RayBatcher<uint32_t> batcher(frame, kernels.integrateRays, image.pixels);
                for (int64_t pixel = first; pixel < end; ++pixel)
                {
                    const Vec3f through = plane.PixelAt(pixel % plane.columns, pixel / plane.columns);
-                   batcher.Add(eye, indexEye, CourseOf(slot.geometry, UnitOrZero(through - eye)), size_t(pixel),
-                               nullptr, 0);
+                   batcher.Add(eye, indexEye, CourseOf(slot.geometry, UnitOrZero(through - eye), kRenderingStep),
+                               size_t(pixel));
                }
            });
 }

@@ -15,16 +15,24 @@ PaletteEntryView ViewOf(const VolumePaletteEntry* entry)
 }
 } // namespace
 
-Frame::Frame(const VolumeSlot& slot, const VolumePalette& palette)
+Frame::Frame(const VolumeSlot& slot, const VolumePalette* palette)
     : scene_{{slot.volume.slices, slot.volume.sizeX, slot.volume.sizeY, slot.volume.sizeZ},
-             LabelViewOf(slot.mark),
+             palette ? LabelViewOf(slot.mark) : LabelView{},
              {slot.blocks.levels.data(), slot.blocks.rootMasks.data(), slot.blocks.blocksX, slot.blocks.blocksPerLayer},
              &palette_,
              slot.geometry.directions,
              slot.geometry.inverseRelativeSpacing},
       geometry_(slot.geometry)
 {
+    if (!palette)
+    {
+        palette_.shown[0] = 1; // without labels every voxel has label 0
+        return;
+    }
     for (int label = 0; label < 64; ++label)
-        palette_.entries[label] = ViewOf(palette.entries[label]);
+    {
+        palette_.entries[label] = ViewOf(palette->entries[label]);
+        palette_.shown[label] = palette->entries[label] && palette->entries[label]->visible;
+    }
 }
 } // namespace corvane::render3d

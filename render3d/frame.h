@@ -7,10 +7,11 @@
 namespace corvane::render3d
 {
 // What all rays of a frame share. Borrows the slot and the palette's tables for as long as the frame is drawn.
+//   palette  null: every voxel is shown, whatever its label
 class Frame
 {
 public:
-    Frame(const VolumeSlot& slot, const VolumePalette& palette);
+    Frame(const VolumeSlot& slot, const VolumePalette* palette);
     Frame(const Frame&) = delete;
     Frame& operator=(const Frame&) = delete;
 

@@ -3,8 +3,15 @@
 
 #include "frame.h"
 
+#include <limits>
+#include <span>
+
 namespace corvane::render3d
 {
+// Steps along a ray, in units of the smallest spacing.
+constexpr float kRenderingStep = 0.33f;
+constexpr float kProjectionStep = 1.0f;
+
 // How a ray runs: unit directions in patient and in voxel-index space, and its step in the latter. A direction of
 // length 0 stays 0.
 struct RayCourse
@@ -12,32 +19,54 @@ struct RayCourse
     core::Vec3f patientDirection;
     core::Vec3f indexDirection;
     core::Vec3f indexStep;
-    float stepLength; // voxels
+    float stepLength;                                        // voxels
+    float farthest = std::numeric_limits<float>::infinity(); // voxels from the start, where rays end at the latest
 };
 
-// The course of a ray in patient space; every step covers 0.33 times the smallest spacing.
-RayCourse CourseOf(const core::VolumeGeometry& geometry, core::Vec3f patientDirection);
+// The course of a ray in patient space, with steps of a multiple of the smallest spacing.
+RayCourse CourseOf(const core::VolumeGeometry& geometry, core::Vec3f patientDirection, float step);
 
-// Clips rays to the visible box and hands them to the kernel a batch at a time. One per worker.
+// Clips a ray to the visible box and appends it to a batch.
+//   patientStart, indexStart  the same point in either space
+//   layers                    the flat images that it crosses, by depth
+void AppendRay(const core::VolumeGeometry& geometry, core::Vec3f patientStart, core::Vec3f indexStart,
+               const RayCourse& course, std::span<const BlendLayer> layers, RayBatch& batch);
+
+// Hands rays to a kernel a batch at a time and puts its pixels into their places. One per worker.
+template <class Pixel>
 class RayBatcher
 {
 public:
-    RayBatcher(const Frame& frame, const KernelTable& kernels, uint32_t* pixels);
+    using Kernel = void (*)(const Scene& scene, const RayBatch& rays, Pixel* pixels);
+
+    RayBatcher(const Frame& frame, Kernel kernel, Pixel* image) : frame_(frame), kernel_(kernel), image_(image) {}
     ~RayBatcher() { Flush(); }
     RayBatcher(const RayBatcher&) = delete;
     RayBatcher& operator=(const RayBatcher&) = delete;
 
-    // A ray for the pixel of an index, from a patient point that lies at an index-space point.
-    //   layers  the flat images that it crosses, by depth
+    // A ray for the pixel of an index; the others as for AppendRay.
     void Add(core::Vec3f patientStart, core::Vec3f indexStart, const RayCourse& course, size_t pixel,
-             const BlendLayer* layers, int layerCount);
+             std::span<const BlendLayer> layers = {})
+    {
+        pixelOf_[batch_.count] = pixel;
+        AppendRay(frame_.Geometry(), patientStart, indexStart, course, layers, batch_);
+        if (batch_.count == kRaysPerBatch)
+            Flush();
+    }
 
 private:
-    void Flush();
+    void Flush()
+    {
+        Pixel pixels[kRaysPerBatch];
+        kernel_(frame_.SceneOf(), batch_, pixels);
+        for (int ray = 0; ray < batch_.count; ++ray)
+            image_[pixelOf_[ray]] = pixels[ray];
+        batch_.count = 0;
+    }
 
     const Frame& frame_;
-    const KernelTable& kernels_;
-    uint32_t* pixels_;
+    Kernel kernel_;
+    Pixel* image_;
     RayBatch batch_ = {};
     size_t pixelOf_[kRaysPerBatch];
 };

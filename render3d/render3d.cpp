@@ -4,6 +4,7 @@
 #include "core/guarded.h"
 #include "endoscopy.h"
 #include "mark_dump.h"
+#include "projection.h"
 #include "volume_rendering.h"
 
 #include <algorithm>
@@ -41,6 +42,7 @@ private:
 };
 
 constexpr char kVolumeRenderingLine[] = "Render3D::VR take time %llu\n";
+constexpr char kProjectionLine[] = "RenderIP::IP take time %llu\n";
 constexpr char kEndoscopyLine[] = "Render3D::VE take time %llu\n";
 
 bool SameSizes(const KsVolumeData& a, const KsVolumeData& b)
@@ -50,6 +52,48 @@ bool SameSizes(const KsVolumeData& a, const KsVolumeData& b)
 
 // Rows and columns whose product, and every sum of it, fits 64 bits.
 bool CanBeCounted(const PnImageParam& param) { return param.rows <= INT32_MAX && param.columns <= INT32_MAX; }
+
+constexpr float kThroughTheVolume = 10000.0f; // mm
+constexpr float kLeastThickness = 0.1f;       // mm
+constexpr float kLeastFieldSize = 1.0f;       // mm
+
+enum class Labels
+{
+    Honoured,
+    Ignored,
+};
+
+bool CanProject(const VolumeSlot& slot, float thickness, const KsImageVAL* image)
+{
+    return slot.volume.slices && image && image->values && image->param.rows >= 1 && image->param.columns >= 1 &&
+           CanBeCounted(image->param) && thickness >= kLeastThickness;
+}
+
+// Projects onto the image's own geometry.
+bool ProjectImage(ProjectionKind kind, VolumeSlot& slot, const VolumePalette& palette, Labels labels, float thickness,
+                  KsImageVAL* image)
+{
+    return CanProject(slot, thickness, image) &&
+           core::Guarded(
+               [&]
+               {
+                   UpdateSlot(slot, palette);
+                   const Stopwatch stopwatch;
+                   Project(kind, slot, labels == Labels::Honoured ? &palette : nullptr, thickness, *image);
+                   stopwatch.Print(kProjectionLine);
+                   return true;
+               });
+}
+
+// Projects onto the image of a camera, whose geometry it writes.
+bool ProjectView(ProjectionKind kind, VolumeSlot& slot, const VolumePalette& palette, const KsCamera& camera,
+                 float fieldSize, float thickness, KsImageVAL* image)
+{
+    if (!CanProject(slot, thickness, image) || !(fieldSize >= kLeastFieldSize))
+        return false;
+    PlaceImage(camera, fieldSize, image->param);
+    return ProjectImage(kind, slot, palette, Labels::Honoured, thickness, image);
+}
 
 void DrawVolume(VolumeSlot& slot, const VolumePalette& palette, const BlendImages& blends, const PnImageRGB& image)
 {
@@ -168,36 +212,81 @@ bool Render3D::ImagingVR(PnImageRGB* image, int volumeIndex)
 
 bool Render3D::ImagingVR(KsCamera camera, float fieldSize, PnImageRGB* image)
 {
-    if (!state_ || !state_->main.volume.slices || !image || !image->pixels || !(fieldSize >= 1.0f) ||
+    if (!state_ || !state_->main.volume.slices || !image || !image->pixels || !(fieldSize >= kLeastFieldSize) ||
         image->param.rows < 1 || image->param.columns < 1)
         return false;
     PlaceImage(camera, fieldSize, image->param);
     return ImagingVR(image, 0);
 }
 
-bool Render3D::ImagingMIP(KsImageVAL*, float) { return false; }
+bool Render3D::ImagingMIP(KsImageVAL* image, float thickness)
+{
+    return state_ &&
+           ProjectImage(ProjectionKind::Maximum, state_->main, state_->palette, Labels::Ignored, thickness, image);
+}
 
-bool Render3D::ImagingMIP(KsCamera, float, float, KsImageVAL*) { return false; }
+bool Render3D::ImagingMIP(KsCamera camera, float fieldSize, float thickness, KsImageVAL* image)
+{
+    return state_ &&
+           ProjectView(ProjectionKind::Maximum, state_->main, state_->palette, camera, fieldSize, thickness, image);
+}
 
-bool Render3D::ImagingMIP(KsCamera, float, KsImageVAL*) { return false; }
+bool Render3D::ImagingMIP(KsCamera camera, float fieldSize, KsImageVAL* image)
+{
+    return ImagingMIP(camera, fieldSize, kThroughTheVolume, image);
+}
 
-bool Render3D::ImagingMIP(KsImageVAL*) { return false; }
+bool Render3D::ImagingMIP(KsImageVAL* image)
+{
+    return state_ && ProjectImage(ProjectionKind::Maximum, state_->main, state_->palette, Labels::Honoured,
+                                  kThroughTheVolume, image);
+}
 
-bool Render3D::ImagingAIP(KsImageVAL*, float) { return false; }
+bool Render3D::ImagingAIP(KsImageVAL* image, float thickness)
+{
+    return state_ &&
+           ProjectImage(ProjectionKind::Average, state_->main, state_->palette, Labels::Ignored, thickness, image);
+}
 
-bool Render3D::ImagingAIP(KsCamera, float, float, KsImageVAL*) { return false; }
+bool Render3D::ImagingAIP(KsCamera camera, float fieldSize, float thickness, KsImageVAL* image)
+{
+    return state_ &&
+           ProjectView(ProjectionKind::Average, state_->main, state_->palette, camera, fieldSize, thickness, image);
+}
 
-bool Render3D::ImagingAIP(KsCamera, float, KsImageVAL*) { return false; }
+bool Render3D::ImagingAIP(KsCamera camera, float fieldSize, KsImageVAL* image)
+{
+    return ImagingAIP(camera, fieldSize, kThroughTheVolume, image);
+}
 
-bool Render3D::ImagingAIP(KsImageVAL*) { return false; }
+bool Render3D::ImagingAIP(KsImageVAL* image)
+{
+    return state_ && ProjectImage(ProjectionKind::Average, state_->main, state_->palette, Labels::Honoured,
+                                  kThroughTheVolume, image);
+}
 
-bool Render3D::ImagingMinIP(KsImageVAL*, float) { return false; }
+bool Render3D::ImagingMinIP(KsImageVAL* image, float thickness)
+{
+    return state_ &&
+           ProjectImage(ProjectionKind::Minimum, state_->main, state_->palette, Labels::Ignored, thickness, image);
+}
 
-bool Render3D::ImagingMinIP(KsCamera, float, float, KsImageVAL*) { return false; }
+bool Render3D::ImagingMinIP(KsCamera camera, float fieldSize, float thickness, KsImageVAL* image)
+{
+    return state_ &&
+           ProjectView(ProjectionKind::Minimum, state_->main, state_->palette, camera, fieldSize, thickness, image);
+}
 
-bool Render3D::ImagingMinIP(KsCamera, float, KsImageVAL*) { return false; }
+bool Render3D::ImagingMinIP(KsCamera camera, float fieldSize, KsImageVAL* image)
+{
+    return ImagingMinIP(camera, fieldSize, kThroughTheVolume, image);
+}
 
-bool Render3D::ImagingMinIP(KsImageVAL*) { return false; }
+bool Render3D::ImagingMinIP(KsImageVAL* image)
+{
+    return state_ && ProjectImage(ProjectionKind::Minimum, state_->main, state_->palette, Labels::Honoured,
+                                  kThroughTheVolume, image);
+}
 
 bool Render3D::ImagingVE(KsViewPoint view, float fieldOfView, PnImageRGB* image)
 {

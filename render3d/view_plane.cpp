@@ -63,11 +63,11 @@ void PlaceImage(const KsCamera& camera, float fieldSize, PnImageParam& param)
     const Vec3f row = UnitOrZero(Cross(direction, VecOf(camera.up)));
     const Vec3f column = UnitOrZero(Cross(direction, row));
     const float spacing = fieldSize / float(std::min(param.rows, param.columns));
-    const Vec3d toFirst = (double(param.columns) - 1.0) * double(spacing) * 0.5 * ToDouble(row) +
-                          (double(param.rows) - 1.0) * double(spacing) * 0.5 * ToDouble(column);
+    const double alongRow = (double(param.columns) - 1.0) * double(spacing) * 0.5;
+    const double alongColumn = (double(param.rows) - 1.0) * double(spacing) * 0.5;
     param.rowSpacing = param.columnSpacing = double(spacing);
     Store(ToDouble(row), param.rowDirection);
     Store(ToDouble(column), param.columnDirection);
-    Store(ToDouble(VecOf(camera.center)) - toFirst, param.position);
+    Store(ToDouble(VecOf(camera.center)) - alongRow * ToDouble(row) - alongColumn * ToDouble(column), param.position);
 }
 } // namespace corvane::render3d

@@ -18,6 +18,9 @@ struct ViewPlane
         return position + float(column) * columnStep + float(row) * rowStep;
     }
 
+    // Into the volume, perpendicular to the plane.
+    core::Vec3f ViewDirection() const { return core::UnitOrZero(core::Cross(rowDirection, columnDirection)); }
+
     int64_t rows, columns;
     float rowSpacing, columnSpacing;
     core::Vec3f rowDirection, columnDirection, position;

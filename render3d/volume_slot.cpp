@@ -12,6 +12,14 @@ namespace
 {
 VolumeView ViewOf(const KsVolumeData& volume) { return {volume.slices, volume.sizeX, volume.sizeY, volume.sizeZ}; }
 
+// Kernels number the voxels of a slice in 32 bits and compare places with sizes in single precision.
+bool FitsKernels(const KsVolumeData& volume)
+{
+    constexpr int32_t kExactInFloat = 1 << 24;
+    return int64_t(volume.sizeX) * volume.sizeY <= INT32_MAX && volume.sizeX <= kExactInFloat &&
+           volume.sizeY <= kExactInFloat && volume.sizeZ <= kExactInFloat;
+}
+
 // The corners of what all blocks show. With a spacing that is not positive the corners stay as they were.
 void UpdateVisibleCorners(VolumeSlot& slot)
 {
@@ -40,7 +48,7 @@ void UpdateVisibleCorners(VolumeSlot& slot)
 
 bool LoadSlot(const KsVolumeData& volume, const KsVolumeMark& mark, VolumeSlot& slot)
 {
-    if (!IsLoadable(volume) || !BuildBlockTree(volume, slot.blocks))
+    if (!IsLoadable(volume) || !FitsKernels(volume) || !BuildBlockTree(volume, slot.blocks))
         return false;
     ComputeBlockRanges(ViewOf(volume), slot.blocks);
     PrepareVolumeGeometry(volume, slot.geometry);

@@ -17,7 +17,8 @@ public:
     Render3D& operator=(const Render3D& other);
 
     // Takes a volume with its labels and lookup tables and prepares it for rendering. False for a null slice table, a
-    // null slice or a size below 1, and when memory is short; the renderer is then empty. Labels without a slice table
+    // null slice, a size below 1 or above 2^24, slices of 2^31 voxels or more, and when memory is short; the renderer
+    // is then empty. Labels without a slice table
     // are 0 everywhere.
     virtual bool InitData(const KsVolumeData& volume, const KsVolumeMark& mark, const VolumePalette& palette);
 
@@ -41,7 +42,14 @@ public:
     // blend image can cover are written. False for a null image or buffer.
     virtual bool ImagingVR(PnImageRGB* image, int volumeIndex);
 
-    // Intensity projections are not offered yet: always false, the image is left alone.
+    // Intensity projections along parallel rays perpendicular to an image plane, of the main volume: the highest, the
+    // mean or the lowest stored value of a ray's samples inside the visible box; -1024 for a ray without samples, which
+    // is also the least that the highest and the mean can be. Voxels of labels that the tables hide are left out,
+    // except by the form of image and thickness, which shows them all.
+    //   image      its own geometry is used, or with a camera written: centred on the camera's centre
+    //   thickness  how far rays go from the plane, mm; without it through the whole volume
+    //   fieldSize  what the shorter side of the image shows, mm
+    // False for an image without buffer, rows or columns, a thickness below 0.1 or a field size below 1.
     virtual bool ImagingMIP(KsImageVAL* image, float thickness);
     virtual bool ImagingMIP(KsCamera camera, float fieldSize, float thickness, KsImageVAL* image);
     virtual bool ImagingMIP(KsCamera camera, float fieldSize, KsImageVAL* image);

@@ -1,6 +1,7 @@
 #include "integrate_rays.h"
 
 #include "core/simd/sampling.h"
+#include "labels.h"
 #include "shading.h"
 #include "visible_run.h"
 
@@ -27,12 +28,6 @@ struct Samples
 {
     FloatPack opacity, red, green, blue, ambient, diffuse, specular;
 };
-
-uint8_t LabelAt(const core::LabelView& labels, int i, int j, int k)
-{
-    const bool inside = labels.slices && i < labels.nx && j < labels.ny && k < labels.nz && labels.slices[k];
-    return inside ? labels.slices[k][int64_t(j) * labels.nx + i] : 0;
-}
 
 // Looks the samples of the wanted lanes up in their labels' tables; the others, and what cannot be seen, have opacity
 // 0.
@@ -174,7 +169,7 @@ void IntegratePack(const Scene& scene, const RayBatch& batch, int first, uint32_
     {
         const IntPack asking = live & (steps <= 0);
         if (Any(asking))
-            FindRuns(scene, rays, asking, place, steps, live);
+            FindVisibleRuns(scene, rays, asking, place, steps, live);
 
         place.distance += rays.stepLength;
         layers.CompositePassed(live, place.distance, light);

@@ -54,6 +54,12 @@ struct KernelTable
     // Composites the visible samples and the blend layers of each ray front to back into a pixel: bits 0 to 7 coverage,
     // 8 to 15 red, 16 to 23 green, 24 to 31 blue. Never reads outside the volume, and ends for every input.
     void (*integrateRays)(const Scene& scene, const RayBatch& rays, uint32_t* pixels);
+
+    // Highest, lowest and mean stored value of each ray's samples whose label is shown; -1024 for a ray without any,
+    // and at the least for the highest and the mean. The same promises as above.
+    void (*projectMaximum)(const Scene& scene, const RayBatch& rays, int16_t* values);
+    void (*projectMinimum)(const Scene& scene, const RayBatch& rays, int16_t* values);
+    void (*projectAverage)(const Scene& scene, const RayBatch& rays, int16_t* values);
 };
 
 // The copies that this machine runs, the fastest last.

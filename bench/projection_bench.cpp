@@ -1,0 +1,88 @@
+#include "bench_volume.h"
+#include "host/view.h"
+#include "render3d/projection.h"
+
+#include <benchmark/benchmark.h>
+
+#include <memory>
+
+// Intensity projections on all workers, labels ignored: the whole volume from the front, and a slab of 20 mm through
+// its middle. CPU is the time of all threads together, which is what one core would take; Time is that of the machine's
+// cores.
+namespace corvane::bench
+{
+namespace
+{
+using render3d::ProjectionKind;
+
+struct Projection
+{
+    const char* name;
+    ProjectionKind kind;
+    float thickness; // mm
+    double zoom;
+};
+
+constexpr float kWhole = 10000.0f;
+constexpr Projection kProjections[] = {
+    {"projection/maximum", ProjectionKind::Maximum, kWhole, 1.0},
+    {"projection/maximum_zoom", ProjectionKind::Maximum, kWhole, 2.2},
+    {"projection/minimum", ProjectionKind::Minimum, kWhole, 1.0},
+    {"projection/average", ProjectionKind::Average, kWhole, 1.0},
+    {"slab_20mm/maximum", ProjectionKind::Maximum, 20.0f, 1.0},
+    {"slab_20mm/average", ProjectionKind::Average, 20.0f, 1.0},
+};
+
+// The whole diagonal of the volume fits the picture, magnified by `zoom`; a slab starts half its thickness before the
+// middle.
+PnImageParam PlaneOf(const BenchVolume& volume, const Projection& projection, int side)
+{
+    const core::Box& box = volume.geometry.boundingBox;
+    const double diagonal = double(core::Length(box.max - box.min));
+    const host::View front = host::NamedView("anterior");
+    PnImageParam plane = host::ViewPlaneOf(front, host::CornersOf(volume.volume.grid), uint32_t(side), uint32_t(side),
+                                           diagonal / projection.zoom / side);
+    if (projection.thickness < kWhole)
+        plane.position[1] = 0.5 * double(box.min.y + box.max.y) - 0.5 * double(projection.thickness);
+    return plane;
+}
+
+void Run(benchmark::State& state, const BenchVolume& volume, const render3d::VolumeSlot& slot,
+         const Projection& projection, const render3d::KernelTable& kernels, int side)
+{
+    std::vector<int16_t> values(size_t(side) * size_t(side));
+    KsImageVAL image = {values.data(), PlaneOf(volume, projection, side)};
+    for ([[maybe_unused]] const auto iteration : state)
+    {
+        render3d::Project(projection.kind, slot, nullptr, projection.thickness, image, kernels);
+        benchmark::DoNotOptimize(values.data());
+    }
+    state.counters["rays/s"] =
+        benchmark::Counter(double(state.iterations()) * double(values.size()), benchmark::Counter::kIsRate);
+    state.SetLabel(volume.name);
+}
+} // namespace
+
+void RegisterProjections(const BenchVolume& volume)
+{
+    const auto slot = std::make_shared<render3d::VolumeSlot>();
+    render3d::LoadSlot(volume.records.Data(), {}, *slot);
+    for (const Projection& projection : kProjections)
+    {
+        for (const int side : {512, 1024})
+        {
+            for (const render3d::KernelTable* kernels : render3d::AvailableKernels())
+            {
+                const std::string name =
+                    std::string(projection.name) + "/" + kernels->instructionSet + "/" + std::to_string(side);
+                benchmark::RegisterBenchmark(name.c_str(),
+                                             [&volume, slot, &projection, kernels, side](benchmark::State& state)
+                                             { Run(state, volume, *slot, projection, *kernels, side); })
+                    ->Unit(benchmark::kMillisecond)
+                    ->MeasureProcessCPUTime()
+                    ->UseRealTime();
+            }
+        }
+    }
+}
+} // namespace corvane::bench
