@@ -158,6 +158,19 @@ if [ "$input" = phantom: ]; then
     done
 fi
 
+section "Projections" "The largest, mean or smallest value along each ray, through the whole volume or through a slab 20 mm thick."
+picture mip_front "Maximum, from the front" mip "$input"
+picture mip_left "Maximum, from the left" mip "$input" --view left
+picture aip_front "Mean, from the front" aip "$input"
+slab=(--plane "$windowPlane" --thickness 20 --pixel-size "$pixel")
+picture slab_mip "Maximum in a slab" mip "$input" "${slab[@]}"
+picture slab_aip "Mean in a slab" aip "$input" "${slab[@]}"
+picture slab_minip "Minimum in a slab" minip "$input" "${slab[@]}"
+strip mip_turn "Maximum, a turn round the patient" mip "$input" --turntable 8 --size 256
+case $input in
+phantom:*) picture mip_vessels "Maximum, bone left out by its label" mip "$input" --hide-label 2 --hide-label 7 --hide-margin 1 --window 200,600 ;;
+esac
+
 section "Volume rendering" "Parallel rays, light from the eye; each picture with another transfer function or from elsewhere."
 if grep -q '^values.* HU$' <<<"$info"; then
     for preset in default bone vessels muscle skin lung; do
@@ -188,6 +201,10 @@ phantom:*)
         ve "$input" --eye 1.5,7,120 --direction 0,0,-1 --up 0,-1,0
     strip ve_flight "A flight through the bowel" \
         ve "$input" --point 60,-36,-51 --point 40,-46,-62 --point 10,-52,-78 --point -30,-46,-83 --frames 8 --size 256
+    ;;
+*)
+    section "Virtual endoscopy" "A look from inside a cavity of the body or, where there is none, from close by."
+    picture ve_inside "The eye finds its place by itself" ve "$input"
     ;;
 esac
 

@@ -7,6 +7,7 @@
 #include "host/error.h"
 #include "info_command.h"
 #include "mpr_command.h"
+#include "projection_command.h"
 #include "report.h"
 #include "ve_command.h"
 #include "vr_command.h"
@@ -23,11 +24,13 @@ int Run(int argumentCount, char** arguments)
     program.footer(std::string("Examples:\n"
                                "  corvane info study/\n"
                                "  corvane mpr study/ --window lung --output pictures/\n"
+                               "  corvane mip study/ --plane coronal --thickness 20 --output mip.png\n"
                                "  corvane vr study/ --preset bone --output bone.png\n"
                                "  corvane mpr --help\n\n") +
                    app::kExitCodes);
     app::AddInfoCommand(program);
     app::AddMprCommand(program);
+    app::AddProjectionCommands(program);
     app::AddVrCommand(program);
     app::AddVeCommand(program);
     try

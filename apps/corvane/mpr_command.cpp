@@ -1,14 +1,11 @@
 #include "mpr_command.h"
 
-#include <filesystem>
 #include <memory>
-#include <optional>
 
 #include "host/error.h"
 #include "host/label_colours.h"
 #include "host/numbers.h"
 #include "host/orientation.h"
-#include "host/output_file.h"
 #include "host/picture_marks.h"
 #include "host/plane.h"
 #include "host/read_text.h"
@@ -16,7 +13,7 @@
 #include "host/write_nrrd.h"
 #include "host/write_png.h"
 #include "mpr_options.h"
-#include "output_names.h"
+#include "picture_files.h"
 #include "report.h"
 
 namespace corvane::app
@@ -95,53 +92,6 @@ std::string FileOf(const PlannedPicture& planned, const KsImageData& image, cons
     return host::PngOf(picture);
 }
 
-Json GeometryOf(const PlannedPicture& planned, const std::string& file, bool ras)
-{
-    const PnImageParam& plane = planned.param;
-    const Vec3 row = host::RowDirection(plane), column = host::ColumnDirection(plane);
-    const auto vector = [&](Vec3 v) { return JsonOf(TurnedIf(ras, v)); };
-    return {{"file", file},
-            {"plane", planned.plane},
-            {"index", planned.index},
-            {"offset", planned.offset},
-            {"rows", plane.rows},
-            {"columns", plane.columns},
-            {"rowSpacing", plane.rowSpacing},
-            {"columnSpacing", plane.columnSpacing},
-            {"rowDirection", vector(row)},
-            {"columnDirection", vector(column)},
-            {"normal", vector(planned.normal)},
-            {"position", vector(host::FirstPixel(plane))},
-            {"letters",
-             {{"left", host::DirectionLetters(-1.0 * row)},
-              {"right", host::DirectionLetters(row)},
-              {"top", host::DirectionLetters(-1.0 * column)},
-              {"bottom", host::DirectionLetters(column)}}}};
-}
-
-// Makes the folder of the pictures, and takes it away again unless a picture came to stand in it.
-class NewFolder
-{
-public:
-    explicit NewFolder(const std::string& path) : path_(path)
-    {
-        std::error_code problem;
-        if (!path_.empty() && !std::filesystem::create_directory(path_, problem) && problem)
-            throw Error(ErrorKind::Output, path_ + ": the folder cannot be made: " + problem.message());
-    }
-    ~NewFolder()
-    {
-        std::error_code ignored;
-        if (!path_.empty())
-            std::filesystem::remove(path_, ignored); // only while it is empty
-    }
-    NewFolder(const NewFolder&) = delete;
-    NewFolder& operator=(const NewFolder&) = delete;
-
-private:
-    std::string path_;
-};
-
 void RunMpr(const MprOptions& options)
 {
     const std::string format = FormatOf(options.format, options.output);
@@ -157,15 +107,11 @@ void RunMpr(const MprOptions& options)
     if (!engine.InitData(view.Data()))
         throw Error(ErrorKind::Computation, "the library refuses this volume");
     const std::vector<PlannedPicture> pictures = PlanPictures(engine, view.PaddedGrid(), request);
-    const OutputNames names = NameOutputs(options.output, format, pictures);
-    if (names.newFolder.empty())
-        for (const std::string& file : names.files)
-            host::CheckOutput(file, options.force);
+    PictureFiles files(NameOutputs(options.output, format, pictures), options.force);
 
     Json list = Json::array();
     std::vector<std::string> lines;
     Progress progress(int(pictures.size()));
-    std::optional<NewFolder> folder; // made only when there is a picture to put into it
     for (size_t n = 0; n < pictures.size(); ++n)
     {
         const PlannedPicture& planned = pictures[n];
@@ -173,12 +119,10 @@ void RunMpr(const MprOptions& options)
         if (!engine.Imaging(planned.param, &image))
             throw Error(ErrorKind::Computation, "the library refuses the " + planned.plane + " plane");
         const std::string bytes = FileOf(planned, image, volume, view.PaddedGrid(), format, look);
-        if (!folder)
-            folder.emplace(names.newFolder);
-        host::WriteOutput(names.files[n], bytes, options.force);
+        files.Write(n, bytes);
         progress.Show(int(n) + 1);
-        list.push_back(GeometryOf(planned, names.files[n], options.ras));
-        lines.push_back(names.files[n] + "  " + std::to_string(planned.param.columns) + " x " +
+        list.push_back(JsonOf(planned, files.Name(n), options.ras));
+        lines.push_back(files.Name(n) + "  " + std::to_string(planned.param.columns) + " x " +
                         std::to_string(planned.param.rows) + " pixels of " + host::Number(planned.param.columnSpacing) +
                         " x " + host::Number(planned.param.rowSpacing) + " mm");
     }

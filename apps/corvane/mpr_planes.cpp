@@ -5,6 +5,7 @@
 #include <numbers>
 
 #include "host/error.h"
+#include "host/orientation.h"
 #include "host/plane.h"
 #include "host/read_text.h"
 
@@ -115,5 +116,28 @@ std::vector<PlannedPicture> PlanPictures(EngineMPR& engine, const host::Grid& gr
         AddStack(pictures, PlaneName(type), grid, request, plane, {normal[0], normal[1], normal[2]});
     }
     return pictures;
+}
+Json JsonOf(const PlannedPicture& planned, const std::string& file, bool ras)
+{
+    const PnImageParam& plane = planned.param;
+    const host::Vec3 row = host::RowDirection(plane), column = host::ColumnDirection(plane);
+    const auto vector = [&](host::Vec3 v) { return JsonOf(TurnedIf(ras, v)); };
+    return {{"file", file},
+            {"plane", planned.plane},
+            {"index", planned.index},
+            {"offset", planned.offset},
+            {"rows", plane.rows},
+            {"columns", plane.columns},
+            {"rowSpacing", plane.rowSpacing},
+            {"columnSpacing", plane.columnSpacing},
+            {"rowDirection", vector(row)},
+            {"columnDirection", vector(column)},
+            {"normal", vector(planned.normal)},
+            {"position", vector(host::FirstPixel(plane))},
+            {"letters",
+             {{"left", host::DirectionLetters(-1.0 * row)},
+              {"right", host::DirectionLetters(row)},
+              {"top", host::DirectionLetters(-1.0 * column)},
+              {"bottom", host::DirectionLetters(column)}}}};
 }
 } // namespace corvane::app

@@ -7,6 +7,7 @@
 
 #include "corvane/EngineMPR.h"
 #include "host/volume.h"
+#include "report.h"
 
 namespace corvane::app
 {
@@ -47,6 +48,9 @@ std::string PlaneName(KsMPRType type);
 //   grid  the grid that the engine samples
 // Throws Error for what cannot be.
 std::vector<PlannedPicture> PlanPictures(EngineMPR& engine, const host::Grid& grid, const PlaneRequest& request);
+
+// Where a picture lies in the patient, for people's programs; in RAS instead of LPS if asked for.
+Json JsonOf(const PlannedPicture& planned, const std::string& file, bool ras);
 } // namespace corvane::app
 
 #endif

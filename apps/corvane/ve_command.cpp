@@ -80,7 +80,7 @@ void RunVe(const VeOptions& options)
     FilmFiles files(options, "ve", PictureCount(options));
 
     host::Volume volume = host::ReadVolume(options.input, {options.series});
-    const std::vector<host::InsideView> views = InsideViewsOf(options, volume.grid);
+    const std::vector<host::InsideView> views = InsideViewsOf(options, volume);
     const ChosenPalettes palettes =
         ChoosePalettes(options, host::HoldsHounsfieldUnits(volume) ? "airway" : "mr", volume);
     std::vector<std::string> warnings = palettes.warnings;
@@ -138,6 +138,7 @@ void AddVeCommand(CLI::App& program)
     ve->footer(std::string("The preset is airway unless another is chosen: air is clear, its walls are shown.\n\n"
                            "Examples:\n"
                            "  corvane ve phantom: -o bowel.png\n"
+                           "  corvane ve ct.nii.gz -o inside.png               from a cavity that is looked for\n"
                            "  corvane ve ct.nii.gz --eye 3.5,-12,-80 --direction 0,0,-1 -o airway.png\n"
                            "  corvane ve ct.nii.gz --eye-voxel 30,28,57 --direction 0,-1,0 -o nose.png\n"
                            "  corvane ve ct.nii.gz --path line.txt --frames 200 --video flight.mp4\n"

@@ -1,5 +1,6 @@
 #include "ve_options.h"
 
+#include "host/cavity.h"
 #include "host/error.h"
 #include "host/numbers.h"
 #include "report.h"
@@ -73,7 +74,7 @@ int PictureCount(const VeOptions& options)
     return CountOf(options.frames, "--frames takes a number of pictures from 2 to 10000", 2, 10000);
 }
 
-std::vector<host::InsideView> InsideViewsOf(const VeOptions& options, const host::Grid& grid)
+std::vector<host::InsideView> InsideViewsOf(const VeOptions& options, const host::Volume& volume)
 {
     const Vec3 up = options.up.empty() ? Vec3{} : PointOf(options.up, options.ras, "--up takes a direction X,Y,Z");
     if (IsPath(options))
@@ -81,14 +82,17 @@ std::vector<host::InsideView> InsideViewsOf(const VeOptions& options, const host
     if (!options.eye.empty() && !options.eyeVoxel.empty())
         throw Error(ErrorKind::Usage, "give --eye or --eye-voxel, not both");
     const bool hasEye = !options.eye.empty() || !options.eyeVoxel.empty();
-    if (!hasEye && options.direction.empty() && options.input.compare(0, 8, "phantom:") == 0)
-        return {host::InsideViewOf(kPhantomEye, kPhantomTarget - kPhantomEye, up)};
+    if (!hasEye && options.direction.empty())
+        return {options.input.compare(0, 8, "phantom:") == 0
+                    ? host::InsideViewOf(kPhantomEye, kPhantomTarget - kPhantomEye, up)
+                    : host::ViewInsideCavity(volume, up)};
     if (!hasEye || options.direction.empty())
         throw Error(ErrorKind::Usage, "say where the eye is with --eye or --eye-voxel, and where it looks with "
                                       "--direction; or give a path");
-    const Vec3 eye = options.eye.empty()
-                         ? host::IndexToPatient(grid, PointOf(options.eyeVoxel, false, "--eye-voxel takes I,J,K"))
-                         : PointOf(options.eye, options.ras, "--eye takes X,Y,Z in mm");
+    const Vec3 eye =
+        options.eye.empty()
+            ? host::IndexToPatient(volume.grid, PointOf(options.eyeVoxel, false, "--eye-voxel takes I,J,K"))
+            : PointOf(options.eye, options.ras, "--eye takes X,Y,Z in mm");
     return {
         host::InsideViewOf(eye, PointOf(options.direction, options.ras, "--direction takes a direction X,Y,Z"), up)};
 }

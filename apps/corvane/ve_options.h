@@ -21,8 +21,8 @@ double FieldOfViewOf(const VeOptions& options);
 // How many pictures the options ask for; needs no volume.
 int PictureCount(const VeOptions& options);
 
-// The views; a phantom has one of its own.
-std::vector<host::InsideView> InsideViewsOf(const VeOptions& options, const host::Grid& grid);
+// The views. Without an eye or a path: the phantom has one of its own, in other volumes a cavity is looked for.
+std::vector<host::InsideView> InsideViewsOf(const VeOptions& options, const host::Volume& volume);
 } // namespace corvane::app
 
 #endif
