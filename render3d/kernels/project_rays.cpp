@@ -49,6 +49,8 @@ IntPack LiveLanes(const RayBatch& batch, int first)
 // The wanted lanes whose nearest voxels have a label that is shown.
 IntPack ShownLanes(const Scene& scene, IntPack wanted, IntPack i, IntPack j, IntPack k)
 {
+    if (!scene.labels.slices)
+        return scene.palette->shown[0] ? wanted : IntPack{};
     for (int lane = 0; lane < kLanes; ++lane)
         if (wanted[lane] && !scene.palette->shown[LabelAt(scene.labels, i[lane], j[lane], k[lane])])
             wanted[lane] = 0;

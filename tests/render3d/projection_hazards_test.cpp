@@ -116,6 +116,27 @@ TEST(ProjectionHazards, ASkipThatDoesNotAdvanceBecomesAStep)
     }
 }
 
+// The nearest voxels of a ray at y = 8.4003 hold 500 at most, so the coarse pass knows no more. Behind blocks of zeros,
+// whose faces a skip cannot get past, lies what is interpolated to 500 + 0.4013 * 500 = 700.65: a skip moves a ray by a
+// thousandth of a voxel along y, too.
+TEST(ProjectionHazards, ARayGoesOnBehindAFaceThatItCannotSkip)
+{
+    const TestPalette palette = Showing();
+    const auto bump = [](int i, int j) {
+        return i >= 130 && i <= 134 && j == 8 ? 500 : i < 108 || i > 109 ? 0 : j == 8 ? 500 : j == 9 ? 1000 : 0;
+    };
+    TestVolume bright = MakeVolume(140, 16, 16, [&](int i, int j, int) { return bump(i, j); });
+    TestVolume dark = MakeVolume(140, 16, 16, [&](int i, int j, int) { return 2000 - bump(i, j); });
+    bright.data.spacing[0] = dark.data.spacing[0] = 300;
+    const PnImageParam param = {1, 1, 1, 1, {0, 1, 0}, {0, 0, -1}, {42000, 8.4003, 8}};
+    ExpectToEnd(
+        [&]
+        {
+            EXPECT_EQ(ExpectPlain(bright.data, {}, palette.palette, param)[0].At(0, 0), 701);
+            EXPECT_EQ(ExpectPlain(dark.data, {}, palette.palette, param)[2].At(0, 0), 1299);
+        });
+}
+
 // A step along x is so short that adding it changes nothing any more.
 TEST(ProjectionHazards, AStepBelowTheParametersResolutionEnds)
 {
