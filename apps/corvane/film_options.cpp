@@ -90,7 +90,7 @@ void CheckOptions(const RenderingOptions& options)
         throw Error(ErrorKind::Usage, "give --preset or --palette, not both");
     SizeOf(options);
     BackgroundOf(options);
-    PaddingOf(options, {});
+    PaddingOf(options.pad, {});
     CountOf(options.framesPerSecond, "--fps takes a number of pictures from 1 to 120", 1, 120);
 }
 
@@ -112,17 +112,6 @@ host::Rgb BackgroundOf(const RenderingOptions& options)
     if (text.size() != 6 || std::from_chars(text.data(), end, colour, 16).ptr != end)
         throw Error(ErrorKind::Usage, "--background takes RRGGBB, as in 102030, not '" + text + "'");
     return {uint8_t(colour >> 16), uint8_t(colour >> 8), uint8_t(colour)};
-}
-
-host::Padding PaddingOf(const RenderingOptions& options, const host::Grid& grid)
-{
-    if (options.pad == "auto")
-        return host::PaddingOfThinAxes(grid);
-    if (options.pad == "all")
-        return {true, true, true};
-    if (options.pad == "none")
-        return {};
-    throw Error(ErrorKind::Usage, "--pad is auto, all or none, not '" + options.pad + "'");
 }
 
 host::Vec3 PointOf(const std::string& text, bool ras, const std::string& what)

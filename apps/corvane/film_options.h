@@ -35,7 +35,6 @@ struct PictureSize
 // These throw Error (Usage) for what cannot be.
 PictureSize SizeOf(const RenderingOptions& options);
 host::Rgb BackgroundOf(const RenderingOptions& options);
-host::Padding PaddingOf(const RenderingOptions& options, const host::Grid& grid);
 host::Vec3 PointOf(const std::string& text, bool ras, const std::string& what);
 int CountOf(const std::string& text, const std::string& what, int least, int most);
 } // namespace corvane::app

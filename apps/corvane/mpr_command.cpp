@@ -12,6 +12,7 @@
 #include "host/read_volume.h"
 #include "host/write_nrrd.h"
 #include "host/write_png.h"
+#include "input_option.h"
 #include "mpr_options.h"
 #include "picture_files.h"
 #include "report.h"
@@ -102,7 +103,7 @@ void RunMpr(const MprOptions& options)
     const Appearance look = AppearanceOf(options, format, volume);
     const PlaneRequest request = RequestOf(options, volume.grid);
 
-    const host::VolumeView view(volume, PaddingOf(options, volume.grid));
+    const host::VolumeView view(volume, PaddingOf(options.pad, volume.grid));
     EngineMPR engine;
     if (!engine.InitData(view.Data()))
         throw Error(ErrorKind::Computation, "the library refuses this volume");

@@ -180,15 +180,4 @@ PlaneRequest RequestOf(const MprOptions& options, const host::Grid& grid)
         throw Error(ErrorKind::Usage, "--step belongs to a stack; add --count");
     return request;
 }
-
-host::Padding PaddingOf(const MprOptions& options, const host::Grid& grid)
-{
-    if (options.pad == "auto")
-        return host::PaddingOfThinAxes(grid);
-    if (options.pad == "all")
-        return {true, true, true};
-    if (options.pad == "none")
-        return {};
-    throw Error(ErrorKind::Usage, "--pad is auto, all or none, not '" + options.pad + "'");
-}
 } // namespace corvane::app

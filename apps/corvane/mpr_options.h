@@ -27,9 +27,6 @@ void AddMprOptions(CLI::App& mpr, MprOptions& options);
 
 // The planes that the options ask for, in a volume of this grid. Throws Error (Usage) for what makes no sense.
 PlaneRequest RequestOf(const MprOptions& options, const host::Grid& grid);
-
-// Throws Error (Usage) for an unknown way of padding.
-host::Padding PaddingOf(const MprOptions& options, const host::Grid& grid);
 } // namespace corvane::app
 
 #endif

@@ -14,6 +14,7 @@
 #include "host/view.h"
 #include "host/write_nrrd.h"
 #include "host/write_png.h"
+#include "input_option.h"
 #include "picture_files.h"
 #include "projection_options.h"
 #include "report.h"
@@ -191,7 +192,7 @@ void RunProjection(const Kind& kind, const ProjectionOptions& options)
 
     host::HideLabels(volume, hidden, margin);
     task.crop = CropOf(ViewOptionsOf(options), volume);
-    const host::VolumeView view(volume, PaddingOf(common, volume.grid));
+    const host::VolumeView view(volume, PaddingOf(common.pad, volume.grid));
     task.pictures = task.thickness ? PlanSlabs(task, view, volume.grid) : PlanViews(task);
     PictureFiles files(NameOutputs(common.output, task.format, task.pictures), common.force);
     host::Projector projector(view);

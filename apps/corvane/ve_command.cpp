@@ -9,6 +9,7 @@
 #include "host/read_text.h"
 #include "host/read_volume.h"
 #include "host/window.h"
+#include "input_option.h"
 #include "report.h"
 #include "ve_options.h"
 
@@ -96,7 +97,7 @@ void RunVe(const VeOptions& options)
                            " and sees nothing else there; choose another point or preset");
     PrintWarnings(volume.warnings);
     PrintWarnings(warnings);
-    const host::VolumeView view(volume, PaddingOf(options, volume.grid));
+    const host::VolumeView view(volume, PaddingOf(options.pad, volume.grid));
     host::ViewRenderer renderer(view, tables);
 
     const PictureSize size = SizeOf(options);

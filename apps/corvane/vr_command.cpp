@@ -12,6 +12,7 @@
 #include "host/read_text.h"
 #include "host/read_volume.h"
 #include "host/view_planes.h"
+#include "input_option.h"
 #include "report.h"
 #include "vr_options.h"
 
@@ -112,7 +113,7 @@ void RunVr(const VrOptions& options)
     PrintWarnings(palettes.warnings);
     const Crop crop = CropOf(options, volume);
     const host::PaletteTables tables(palettes.byLabel);
-    const host::VolumeView view(volume, PaddingOf(options, volume.grid));
+    const host::VolumeView view(volume, PaddingOf(options.pad, volume.grid));
     const Sections sections(options, volume, view);
     host::ViewRenderer renderer(view, tables);
     if (crop.box)
