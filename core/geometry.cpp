@@ -105,6 +105,11 @@ bool IsLoadable(const KsVolumeData& volume)
     return std::all_of(volume.slices, volume.slices + volume.sizeZ, [](const int16_t* slice) { return slice; });
 }
 
+bool SameSizes(const KsVolumeData& a, const KsVolumeData& b)
+{
+    return a.sizeX == b.sizeX && a.sizeY == b.sizeY && a.sizeZ == b.sizeZ;
+}
+
 LabelView LabelViewOf(const KsVolumeMark& mark)
 {
     const auto size = [](uint32_t voxels) { return int32_t(std::min<uint32_t>(voxels, INT32_MAX)); };

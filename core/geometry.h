@@ -36,6 +36,8 @@ static_assert(sizeof(VolumeGeometry) == 70 * sizeof(float));
 // True for a volume that can be taken: a slice table without gaps, and at least one voxel along each axis.
 bool IsLoadable(const KsVolumeData& volume);
 
+bool SameSizes(const KsVolumeData& a, const KsVolumeData& b);
+
 // A host's labels as kernels read them. Sizes beyond those of a volume are cut to them: nobody reads that far.
 LabelView LabelViewOf(const KsVolumeMark& mark);
 

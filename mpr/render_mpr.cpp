@@ -18,14 +18,6 @@ struct RenderMPR::State
     VolumeGeometry geometry = {};
 };
 
-namespace
-{
-bool SameSizes(const KsVolumeData& a, const KsVolumeData& b)
-{
-    return a.sizeX == b.sizeX && a.sizeY == b.sizeY && a.sizeZ == b.sizeZ;
-}
-} // namespace
-
 RenderMPR::RenderMPR() : state_(new (std::nothrow) State) {}
 
 RenderMPR::~RenderMPR() { delete state_; }

@@ -17,8 +17,7 @@ constexpr double kPi = 3.1415927410125732; // the single-precision number
 void PlaceEndoscopy(const KsViewPoint& view, float fieldOfViewDegrees, float spacing, PnImageParam& param)
 {
     const Vec3f direction = VecOf(view.direction);
-    const Vec3f row = UnitOrZero(Cross(direction, VecOf(view.up)));
-    const Vec3f column = UnitOrZero(Cross(direction, row));
+    const auto [row, column] = AxesOf(direction, VecOf(view.up));
     const SineCosine half = SineCosineOf(double(fieldOfViewDegrees) * 0.5 / 180.0 * kPi);
     const double s = double(spacing);
     const double alongRows = (double(param.rows) - 1.0) * s * 0.5;

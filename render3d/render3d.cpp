@@ -45,11 +45,6 @@ constexpr char kVolumeRenderingLine[] = "Render3D::VR take time %llu\n";
 constexpr char kProjectionLine[] = "RenderIP::IP take time %llu\n";
 constexpr char kEndoscopyLine[] = "Render3D::VE take time %llu\n";
 
-bool SameSizes(const KsVolumeData& a, const KsVolumeData& b)
-{
-    return a.sizeX == b.sizeX && a.sizeY == b.sizeY && a.sizeZ == b.sizeZ;
-}
-
 // Rows and columns whose product, and every sum of it, fits 64 bits.
 bool CanBeCounted(const PnImageParam& param) { return param.rows <= INT32_MAX && param.columns <= INT32_MAX; }
 
@@ -319,7 +314,7 @@ bool Render3D::SetPalette(const VolumePalette& palette)
 
 int Render3D::AttachVolumeData(const KsVolumeData& volume)
 {
-    if (!state_ || !state_->main.volume.slices || !SameSizes(volume, state_->main.volume))
+    if (!state_ || !state_->main.volume.slices || !core::SameSizes(volume, state_->main.volume))
         return 0;
     return core::Guarded(
         [&]

@@ -57,11 +57,15 @@ PixelRectangle LimitToImage(const PixelRectangle& rectangle, const ViewPlane& pl
             std::min(rectangle.x1, plane.columns - 1), std::min(rectangle.y1, plane.rows - 1)};
 }
 
+ImageAxes AxesOf(Vec3f direction, Vec3f up)
+{
+    const Vec3f row = UnitOrZero(Cross(direction, up));
+    return {row, UnitOrZero(Cross(direction, row))};
+}
+
 void PlaceImage(const KsCamera& camera, float fieldSize, PnImageParam& param)
 {
-    const Vec3f direction = VecOf(camera.direction);
-    const Vec3f row = UnitOrZero(Cross(direction, VecOf(camera.up)));
-    const Vec3f column = UnitOrZero(Cross(direction, row));
+    const auto [row, column] = AxesOf(VecOf(camera.direction), VecOf(camera.up));
     const float spacing = fieldSize / float(std::min(param.rows, param.columns));
     const double alongRow = (double(param.columns) - 1.0) * double(spacing) * 0.5;
     const double alongColumn = (double(param.rows) - 1.0) * double(spacing) * 0.5;

@@ -43,6 +43,15 @@ PixelRectangle CoveredRectangle(const ViewPlane& plane, const core::Vec3f (&corn
 // The part of a rectangle that lies in the image.
 PixelRectangle LimitToImage(const PixelRectangle& rectangle, const ViewPlane& plane);
 
+// Unit vectors in which the columns and the rows of a view's image grow; a direction along `up` has none and gets
+// zeros.
+struct ImageAxes
+{
+    core::Vec3f row, column;
+};
+
+ImageAxes AxesOf(core::Vec3f direction, core::Vec3f up);
+
 // The geometry of the image of a camera whose field spans the shorter side, centred on the camera's centre.
 // Rows and columns are those of `param`, the rest is written.
 void PlaceImage(const KsCamera& camera, float fieldSize, PnImageParam& param);
