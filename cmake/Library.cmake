@@ -54,10 +54,11 @@ function(corvane_library)
     endforeach()
     target_include_directories(corvane_objects INTERFACE ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/include)
     target_compile_definitions(corvane_objects INTERFACE CORVANE_BUILDING)
-    target_link_libraries(corvane_objects INTERFACE Threads::Threads)
+    target_link_libraries(corvane_objects INTERFACE Threads::Threads trevik)
 
     add_library(corvane SHARED)
     target_link_libraries(corvane PRIVATE corvane_objects)
+    set_target_properties(corvane PROPERTIES INSTALL_RPATH $ORIGIN) # libtrevik lies beside it
     target_include_directories(
         corvane INTERFACE $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include> $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
     corvane_shared(corvane)

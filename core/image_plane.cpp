@@ -68,6 +68,26 @@ bool ResizeImageData(KsMarkData& image, uint32_t rows, uint32_t columns)
                            columns);
 }
 
+double PixelSpacing(const KsVolumeData& volume)
+{
+    return double(std::min(std::min(volume.spacing[0], volume.spacing[1]), volume.spacing[2]));
+}
+
+std::optional<PnImageParam> ImageOfSlice(const KsSliceParam& slice, const KsVolumeData& volume)
+{
+    const double spacing = PixelSpacing(volume);
+    const std::optional<uint32_t> side = PixelCount(slice.sideLength, spacing);
+    if (!side)
+        return std::nullopt;
+    PnImageParam param = {};
+    param.rows = param.columns = *side;
+    param.rowSpacing = param.columnSpacing = spacing;
+    CopyDoubles(slice.rowDirection, param.rowDirection, 3);
+    CopyDoubles(slice.columnDirection, param.columnDirection, 3);
+    CopyDoubles(slice.position, param.position, 3);
+    return param;
+}
+
 void CopyDoubles(const double* source, double* target, int count)
 {
     if (count > 0)

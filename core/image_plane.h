@@ -20,6 +20,23 @@ std::optional<uint32_t> PixelCount(double length, double spacing);
 bool ResizeImageData(KsImageData& image, uint32_t rows, uint32_t columns);
 bool ResizeImageData(KsMarkData& image, uint32_t rows, uint32_t columns);
 
+// Sizes an image for a geometry and gives it that geometry; false, with nothing changed, for too many pixels.
+template <class Image>
+bool SizeFor(const PnImageParam& param, Image& image)
+{
+    if (!ResizeImageData(image, param.rows, param.columns))
+        return false;
+    image.param = param;
+    return true;
+}
+
+// The image of a square slice: square pixels of a volume's smallest voxel spacing. Nothing for a side that is no count
+// of pixels.
+std::optional<PnImageParam> ImageOfSlice(const KsSliceParam& slice, const KsVolumeData& volume);
+
+// The smallest voxel spacing, mm.
+double PixelSpacing(const KsVolumeData& volume);
+
 // Copies `count` numbers; nothing for a count below 1.
 void CopyDoubles(const double* source, double* target, int count);
 } // namespace corvane::core

@@ -26,11 +26,6 @@ namespace
 {
 constexpr float kLeastSliceSpacing = 0.01f; // mm
 
-double PixelSpacing(const KsVolumeData& volume)
-{
-    return double(std::min(std::min(volume.spacing[0], volume.spacing[1]), volume.spacing[2]));
-}
-
 // Moves the point that the planes share to the middle of the volume's box, where there is one.
 void MoveToCenter(RenderMPR& render, EngineMPR& engine)
 {
@@ -65,32 +60,6 @@ std::optional<PnImageParam> CoveringImage(RenderMPR& render, const KsPlaneFrame&
     param.columns = *columns;
     param.rowSpacing = param.columnSpacing = spacing;
     return param;
-}
-
-// A slice's image: square pixels of the smallest voxel spacing. Nothing when the side cannot be counted in pixels.
-std::optional<PnImageParam> SliceImage(const KsSliceParam& slice, const KsVolumeData& volume)
-{
-    const double spacing = PixelSpacing(volume);
-    const std::optional<uint32_t> side = PixelCount(slice.sideLength, spacing);
-    if (!side)
-        return std::nullopt;
-    PnImageParam param = {};
-    param.rows = param.columns = *side;
-    param.rowSpacing = param.columnSpacing = spacing;
-    CopyDoubles(slice.rowDirection, param.rowDirection, 3);
-    CopyDoubles(slice.columnDirection, param.columnDirection, 3);
-    CopyDoubles(slice.position, param.position, 3);
-    return param;
-}
-
-// Sizes an image for a geometry and gives it that geometry; false, with nothing changed, for too many pixels.
-template <class Image>
-bool SizeFor(const PnImageParam& param, Image& image)
-{
-    if (!ResizeImageData(image, param.rows, param.columns))
-        return false;
-    image.param = param;
-    return true;
 }
 
 // Sizes an image for a geometry and makes a view of it for the renderer.
@@ -217,7 +186,7 @@ bool EngineMPR::Imaging(const PnImageParam& param, KsImageData* image)
 bool EngineMPR::Imaging(KsSliceParam slice, KsImageData* image)
 {
     KsImageVAL val;
-    return state_ && PrepareImage(SliceImage(slice, state_->volume), image, val) && state_->render.Imaging(&val);
+    return state_ && PrepareImage(ImageOfSlice(slice, state_->volume), image, val) && state_->render.Imaging(&val);
 }
 
 bool EngineMPR::Imaging(KsMPRType type, const KsVolumeData& volume, KsImageData* image)
@@ -235,7 +204,7 @@ bool EngineMPR::Imaging(KsMPRType type, KsImageData* image)
 bool EngineMPR::ImagingMIP(KsSliceParam slice, float thickness, KsImageData* image)
 {
     KsImageVAL val;
-    return state_ && PrepareImage(SliceImage(slice, state_->volume), image, val) &&
+    return state_ && PrepareImage(ImageOfSlice(slice, state_->volume), image, val) &&
            state_->render.ImagingMIP(thickness, &val);
 }
 
@@ -248,7 +217,7 @@ bool EngineMPR::ImagingMIP(KsMPRType type, float thickness, KsImageData* image)
 bool EngineMPR::ImagingMinIP(KsSliceParam slice, float thickness, KsImageData* image)
 {
     KsImageVAL val;
-    return state_ && PrepareImage(SliceImage(slice, state_->volume), image, val) &&
+    return state_ && PrepareImage(ImageOfSlice(slice, state_->volume), image, val) &&
            state_->render.ImagingMinIP(thickness, &val);
 }
 
@@ -261,7 +230,7 @@ bool EngineMPR::ImagingMinIP(KsMPRType type, float thickness, KsImageData* image
 bool EngineMPR::ImagingAIP(KsSliceParam slice, float thickness, KsImageData* image)
 {
     KsImageVAL val;
-    return state_ && PrepareImage(SliceImage(slice, state_->volume), image, val) &&
+    return state_ && PrepareImage(ImageOfSlice(slice, state_->volume), image, val) &&
            state_->render.ImagingAIP(thickness, &val);
 }
 

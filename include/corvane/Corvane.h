@@ -3,6 +3,7 @@
 
 // Everything that the library offers.
 
+#include "Engine3D.h"
 #include "EngineMPR.h"
 #include "Export.h"
 #include "Records.h"
