@@ -4,7 +4,7 @@
 set -euo pipefail
 cd "$1"
 shown=$(sed -n '/^```cpp$/,/^```$/p' README.md | grep -v '^```')
-if ! diff -u --label examples/mpr_planes.cpp --label README.md examples/mpr_planes.cpp - <<<"$shown"; then
-    echo "The README and examples/mpr_planes.cpp differ; make them the same." >&2
+if ! diff -u --label examples/render_and_cut.cpp --label README.md examples/render_and_cut.cpp - <<<"$shown"; then
+    echo "The README and examples/render_and_cut.cpp differ; make them the same." >&2
     exit 1
 fi
