@@ -10,6 +10,7 @@
 #include "projection_command.h"
 #include "report.h"
 #include "ve_command.h"
+#include "verify_command.h"
 #include "vr_command.h"
 
 namespace
@@ -33,6 +34,7 @@ int Run(int argumentCount, char** arguments)
     app::AddProjectionCommands(program);
     app::AddVrCommand(program);
     app::AddVeCommand(program);
+    app::AddVerifyCommand(program);
     try
     {
         program.parse(argumentCount, arguments);
