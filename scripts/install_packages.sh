@@ -3,7 +3,7 @@
 #   usage: scripts/install_packages.sh GROUP...
 #   build  compiler and build tool: all that the library needs
 #   apps   what the corvane program reads and writes files with
-#   test   test and benchmark frameworks, a second compiler, the formatter
+#   test   test and benchmark frameworks, a second compiler, the formatter, a comparer of binary interfaces
 set -euo pipefail
 
 packagesOf()
@@ -11,7 +11,7 @@ packagesOf()
     case $1 in
     build) echo g++ cmake ninja-build ;;
     apps) echo libgdcm-dev libnifti2-dev libteem-dev libpng-dev zlib1g-dev libcli11-dev nlohmann-json3-dev libtinyxml2-dev ;;
-    test) echo libgtest-dev libbenchmark-dev clang libclang-rt-dev clang-format pkgconf git ;;
+    test) echo libgtest-dev libbenchmark-dev clang libclang-rt-dev clang-format pkgconf git abigail-tools ;;
     *) return 1 ;;
     esac
 }
