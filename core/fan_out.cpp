@@ -1,41 +1,21 @@
 #include "fan_out.h"
 
-#include <thread>
-
 namespace corvane::core
 {
-namespace
+void RunTasks(const WorkerTask* tasks, int count, const ThreadCalls& threads) noexcept
 {
-class ThreadWorker : public Worker
-{
-public:
-    explicit ThreadWorker(const WorkerTask& task) : thread_(task.run, task.body, task.first, task.end) {}
-    ~ThreadWorker() override { thread_.join(); }
-
-private:
-    std::thread thread_;
-};
-} // namespace
-
-std::unique_ptr<Worker> StartThread(const WorkerTask& task) noexcept
-{
-    try
-    {
-        return std::make_unique<ThreadWorker>(task);
-    }
-    catch (...)
-    {
-        return nullptr;
-    }
-}
-
-void RunTasks(const WorkerTask* tasks, int count, StartWorker start) noexcept
-{
-    std::unique_ptr<Worker> workers[kMaxWorkerThreads];
+    void* started[kMaxWorkerThreads];
+    const WorkerTask* withoutThread[kMaxWorkerThreads];
+    int startedCount = 0, withoutThreadCount = 0;
     for (int task = 0; task < count; ++task)
-        workers[task] = start(tasks[task]);
-    for (int task = 0; task < count; ++task)
-        if (!workers[task])
-            tasks[task].run(tasks[task].body, tasks[task].first, tasks[task].end);
+    {
+        if (void* thread = threads.start(tasks[task]))
+            started[startedCount++] = thread;
+        else
+            withoutThread[withoutThreadCount++] = &tasks[task];
+    }
+    for (int task = 0; task < withoutThreadCount; ++task)
+        withoutThread[task]->run(withoutThread[task]->body, withoutThread[task]->first, withoutThread[task]->end);
+    threads.finish(started, startedCount);
 }
 } // namespace corvane::core

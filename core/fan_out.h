@@ -2,10 +2,9 @@
 #define CORVANE_CORE_FAN_OUT_H
 
 #include <cstdint>
-#include <memory>
 #include <type_traits>
 
-// The only file that knows threads.
+// The only files that know threads.
 namespace corvane::core
 {
 constexpr int kMaxWorkerThreads = 48;
@@ -24,7 +23,7 @@ constexpr WorkerChunks ChunksOf(int64_t itemCount)
     return {length, itemCount > 0 ? int((itemCount + length - 1) / length) : 0};
 }
 
-// One worker's share, for whoever starts workers.
+// One worker's share. It stays in place until the worker has finished.
 struct WorkerTask
 {
     void (*run)(const void* body, int64_t first, int64_t end) noexcept;
@@ -32,25 +31,23 @@ struct WorkerTask
     int64_t first, end;
 };
 
-// A worker on its own thread; destroying it waits for the thread.
-class Worker
+// The calls by which threads are had.
+struct ThreadCalls
 {
-public:
-    virtual ~Worker() = default;
+    void* (*start)(const WorkerTask& task) noexcept;          // null when the system will not give a thread
+    void (*finish)(void* const* threads, int count) noexcept; // waits for all of them and gives them back
 };
+extern const ThreadCalls kSystemThreads; // the operating system's; in a file for each kind of system
 
-// Starts a worker, or returns nothing when the system will not give a thread.
-using StartWorker = std::unique_ptr<Worker> (*)(const WorkerTask& task) noexcept;
-std::unique_ptr<Worker> StartThread(const WorkerTask& task) noexcept;
-
-// Runs every task and returns when all are done. A task whose worker cannot be started runs on the caller's thread,
-// so that nothing is ever left half done.
-void RunTasks(const WorkerTask* tasks, int count, StartWorker start) noexcept;
+// Runs every task and returns when all are done. A task that gets no thread runs on the caller's, so that nothing is
+// ever left half done.
+//   count  at most kMaxWorkerThreads
+void RunTasks(const WorkerTask* tasks, int count, const ThreadCalls& threads) noexcept;
 
 // Calls body(first, end) for contiguous, disjoint ranges that make up [0, itemCount), on at most kMaxWorkerThreads
 // threads, and returns when all are done. The body must not throw and writes only what belongs to its own items.
 template <class Body>
-void FanOut(int64_t itemCount, const Body& body, StartWorker start = StartThread) noexcept
+void FanOut(int64_t itemCount, const Body& body, const ThreadCalls& threads = kSystemThreads) noexcept
 {
     static_assert(std::is_nothrow_invocable_v<const Body&, int64_t, int64_t>);
     const WorkerChunks chunks = ChunksOf(itemCount);
@@ -63,7 +60,7 @@ void FanOut(int64_t itemCount, const Body& body, StartWorker start = StartThread
                         { (*static_cast<const Body*>(shared))(from, to); },
                         &body, first, end < itemCount ? end : itemCount};
     }
-    RunTasks(tasks, chunks.count, start);
+    RunTasks(tasks, chunks.count, threads);
 }
 } // namespace corvane::core
 

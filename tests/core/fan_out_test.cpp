@@ -24,7 +24,7 @@ struct Range
 };
 
 // The ranges that a fan-out asks for, in order of their first item.
-std::vector<Range> RangesOf(int64_t itemCount, StartWorker start = StartThread)
+std::vector<Range> RangesOf(int64_t itemCount, const ThreadCalls& threads = kSystemThreads)
 {
     std::mutex mutex;
     std::vector<Range> ranges;
@@ -35,7 +35,7 @@ std::vector<Range> RangesOf(int64_t itemCount, StartWorker start = StartThread)
             const std::lock_guard lock(mutex);
             ranges.push_back({first, end});
         },
-        start);
+        threads);
     std::sort(ranges.begin(), ranges.end(), [](const Range& a, const Range& b) { return a.first < b.first; });
     return ranges;
 }
@@ -50,41 +50,44 @@ std::vector<Range> ExpectedRanges(int64_t total)
     return ranges;
 }
 
+// What a thread that is none is called by.
+char noThread;
+
 // Runs its task at once, on the caller's thread.
-std::unique_ptr<Worker> RunAtOnce(const WorkerTask& task) noexcept
+void* RunAtOnce(const WorkerTask& task) noexcept
 {
     task.run(task.body, task.first, task.end);
-    return std::make_unique<Worker>();
+    return &noThread;
 }
+void FinishNothing(void* const*, int) noexcept {}
+constexpr ThreadCalls kAtOnce = {RunAtOnce, FinishNothing};
 
-// Runs its task as late as a worker can.
-class LastMomentWorker : public Worker
+// Runs its tasks as late as they can be, the last one first.
+void* Note(const WorkerTask& task) noexcept { return const_cast<WorkerTask*>(&task); }
+void RunNoted(void* const* threads, int count) noexcept
 {
-public:
-    explicit LastMomentWorker(const WorkerTask& task) : task_(task) {}
-    ~LastMomentWorker() override { task_.run(task_.body, task_.first, task_.end); }
-
-private:
-    WorkerTask task_;
-};
-
-std::unique_ptr<Worker> RunAtTheLastMoment(const WorkerTask& task) noexcept
-{
-    return std::make_unique<LastMomentWorker>(task);
+    while (count-- > 0)
+    {
+        const WorkerTask& task = *static_cast<const WorkerTask*>(threads[count]);
+        task.run(task.body, task.first, task.end);
+    }
 }
+constexpr ThreadCalls kAtTheLastMoment = {Note, RunNoted};
 
-std::unique_ptr<Worker> NeverStart(const WorkerTask&) noexcept { return nullptr; }
+void* NeverStart(const WorkerTask&) noexcept { return nullptr; }
+constexpr ThreadCalls kNever = {NeverStart, FinishNothing};
 
 // The one worker that cannot be started, counted from 0, and how many were asked for.
 int refusedWorker = 0;
 int askedWorkers = 0;
-std::unique_ptr<Worker> StartAllButOne(const WorkerTask& task) noexcept
+void* StartAllButOne(const WorkerTask& task) noexcept
 {
-    return askedWorkers++ == refusedWorker ? nullptr : StartThread(task);
+    return askedWorkers++ == refusedWorker ? nullptr : kSystemThreads.start(task);
 }
+const ThreadCalls kAllButOne = {StartAllButOne, kSystemThreads.finish};
 
 // How often each item was worked on.
-std::vector<int> VisitsOf(int itemCount, StartWorker start)
+std::vector<int> VisitsOf(int itemCount, const ThreadCalls& threads)
 {
     std::vector<int> visits(size_t(itemCount), 0);
     FanOut(
@@ -94,7 +97,7 @@ std::vector<int> VisitsOf(int itemCount, StartWorker start)
             for (int64_t item = first; item < end; ++item)
                 ++visits[size_t(item)];
         },
-        start);
+        threads);
     return visits;
 }
 } // namespace
@@ -145,7 +148,7 @@ TEST(FanOut, MakesUpTheWholeOfContiguousDisjointRanges)
             totals.push_back(total);
     for (const int64_t total : totals)
     {
-        const std::vector<Range> ranges = RangesOf(total, RunAtOnce);
+        const std::vector<Range> ranges = RangesOf(total, kAtOnce);
         ASSERT_EQ(ranges, ExpectedRanges(total)) << total;
         ASSERT_LE(ranges.size(), 48u) << total;
         int64_t next = 0;
@@ -178,13 +181,13 @@ TEST(FanOut, WorksOnEveryItemOnceWhicheverWorkerCannotBeStarted)
         for (refusedWorker = 0; refusedWorker < workers; ++refusedWorker)
         {
             askedWorkers = 0;
-            ASSERT_EQ(VisitsOf(total, StartAllButOne), onceEach) << total << " items, worker " << refusedWorker;
+            ASSERT_EQ(VisitsOf(total, kAllButOne), onceEach) << total << " items, worker " << refusedWorker;
             ASSERT_EQ(askedWorkers, workers);
         }
-        EXPECT_EQ(VisitsOf(total, NeverStart), onceEach);
-        EXPECT_EQ(VisitsOf(total, RunAtOnce), onceEach);
-        EXPECT_EQ(VisitsOf(total, RunAtTheLastMoment), onceEach);
-        EXPECT_EQ(VisitsOf(total, StartThread), onceEach);
+        EXPECT_EQ(VisitsOf(total, kNever), onceEach);
+        EXPECT_EQ(VisitsOf(total, kAtOnce), onceEach);
+        EXPECT_EQ(VisitsOf(total, kAtTheLastMoment), onceEach);
+        EXPECT_EQ(VisitsOf(total, kSystemThreads), onceEach);
     }
 }
 
