@@ -9,6 +9,7 @@
 #include <cmath>
 #include <cstring>
 #include <limits>
+#include <numbers>
 
 // The three planes of the engine: their frames, their shared point and how they turn.
 namespace corvane::tests
@@ -238,7 +239,7 @@ TEST(EnginePlanes, AreCopiedInAndOutAsTheyAreWithTheCoronalFrameSecond)
 
 TEST(EnginePlanes, TurnByARightAngleIntoEachOther)
 {
-    const float quarter = float(M_PI / 2); // 4e-8 beyond a right angle
+    const float quarter = float(std::numbers::pi / 2); // 4e-8 beyond a right angle
     EngineMPR engine;
     engine.Reset();
     ASSERT_TRUE(engine.Rotate(KsMPRTransverse, quarter)); // about z: x becomes y, y becomes -x

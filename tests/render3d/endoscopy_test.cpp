@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numbers>
 
 // Perspective pictures from an eye point.
 namespace corvane::tests
@@ -142,7 +143,7 @@ TEST(Endoscopy, TheImagePlaneFollowsEveryView)
         const core::Vec3d down = core::Cross(direction, right);
         const double half = (rows - 1) * 0.5;
         const core::Vec3d position = core::ToDouble(core::VecOf(view.eye)) +
-                                     half / std::tan(degrees * M_PI / 360) * direction - half * down -
+                                     half / std::tan(degrees * std::numbers::pi / 360) * direction - half * down -
                                      (columns - 1) * 0.5 * right;
         const double tolerance = 1e-5 * (1 + core::Length(position - core::ToDouble(core::VecOf(view.eye))));
         EXPECT_LT(core::Length(core::VecOf(param.rowDirection) - right), 1e-5) << seed;
@@ -156,8 +157,8 @@ TEST(Endoscopy, AnglesAreLimitedTo5And175Degrees)
     const Scene scene = HollowScene();
     const KsViewPoint view = BackwardView(16, 16, 16);
     const TestImage narrow = Drawn(scene, view, 5, 9, 12), wide = Drawn(scene, view, 175, 9, 12);
-    EXPECT_NEAR(narrow.image.param.position[1], 16 + 4 / std::tan(2.5 * M_PI / 180), 1e-3);
-    EXPECT_NEAR(wide.image.param.position[1], 16 + 4 / std::tan(87.5 * M_PI / 180), 1e-5);
+    EXPECT_NEAR(narrow.image.param.position[1], 16 + 4 / std::tan(2.5 * std::numbers::pi / 180), 1e-3);
+    EXPECT_NEAR(wide.image.param.position[1], 16 + 4 / std::tan(87.5 * std::numbers::pi / 180), 1e-5);
     for (const float angle : {-INFINITY, -90.0f, 0.0f, 3.0f, 4.999f, 175.001f, 179.0f, 180.0f, 360.0f, INFINITY})
     {
         const TestImage image = Drawn(scene, view, angle, 9, 12);
@@ -213,7 +214,7 @@ TEST(Endoscopy, AnEyeOutsideTheVolumeSeesItInFront)
     // 50 mm in front of the middle: the ball's outline is seen at asin(8 / 50) from the axis.
     const KsViewPoint view = BackwardView(16, -34, 16);
     const TestImage image = Drawn(scene, view, 30, 101, 101);
-    const double distance = 50 / std::tan(15 * M_PI / 180);
+    const double distance = 50 / std::tan(15 * std::numbers::pi / 180);
     const double radius = distance * std::tan(std::asin(8.0 / 50));
     for (int row = 0; row < 101; ++row)
         for (int column = 0; column < 101; ++column)

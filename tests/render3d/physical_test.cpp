@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <numbers>
 
 // Things in space look as they are, however a volume stores them.
 namespace corvane::tests
@@ -218,7 +219,7 @@ TEST(PhysicalSpace, ABallIsADiscOfItsSizeInItsPlace)
         ASSERT_GT(count, 0);
         EXPECT_NEAR(columnSum / count, centreColumn, 0.5);
         EXPECT_NEAR(rowSum / count, centreRow, 0.5);
-        EXPECT_NEAR(std::sqrt(count / M_PI), radius / spacing, 0.5);
+        EXPECT_NEAR(std::sqrt(count / std::numbers::pi), radius / spacing, 0.5);
         EXPECT_NEAR(farthest, radius / spacing, 0.75); // a disc has no corners; half a pixel's diagonal
     }
 }

@@ -1,16 +1,13 @@
 #include "plain_projection.h"
 #include "scenes.h"
 #include "tests/core/failing_allocator.h"
+#include "tests/ends_by_itself.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cmath>
 #include <limits>
-
-#ifndef _WIN32
-#include <unistd.h>
-#endif
 
 // Input that makes no sense, or next to none, or is larger than a number: every projection ends, reads nothing outside
 // what it is given, and what cannot be sampled is background.
@@ -74,24 +71,8 @@ void ExpectBackground(const KsVolumeData& volume)
         EXPECT_TRUE(Projected(render, kind).AreAll(kBackground)) << int(kind);
     }
 }
-
-#ifndef _WIN32
-// In a process of its own, which is ended when it does not end by itself.
-template <class Run>
-void ExpectToEnd(const Run& run)
-{
-    EXPECT_EXIT(
-        {
-            alarm(60);
-            run();
-            _exit(testing::Test::HasFailure() ? 1 : 0);
-        },
-        testing::ExitedWithCode(0), "");
-}
-#endif
 } // namespace
 
-#ifndef _WIN32
 // Along x a skip lands within rounding of the face that it left by.
 TEST(ProjectionHazards, ASkipThatDoesNotAdvanceBecomesAStep)
 {
@@ -167,7 +148,6 @@ TEST(ProjectionHazards, AStepBelowTheParametersResolutionEnds)
             return; // one minute is enough
     }
 }
-#endif
 
 TEST(ProjectionHazards, AnImagePlaneMayBe9000VoxelsAway)
 {

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numbers>
 
 // Projections show things in space as they are, however a volume stores them.
 namespace corvane::tests
@@ -155,7 +156,7 @@ TEST(ProjectionInSpace, ABallIsADiscOfItsSizeInItsPlace)
             ASSERT_GT(disc.count, 0);
             EXPECT_NEAR(disc.column, centreColumn, 0.5);
             EXPECT_NEAR(disc.row, centreRow, 0.5);
-            EXPECT_NEAR(std::sqrt(disc.count / M_PI), radius / spacing, 0.75);
+            EXPECT_NEAR(std::sqrt(disc.count / std::numbers::pi), radius / spacing, 0.75);
             EXPECT_GE(disc.farthest, radius / spacing - 1.5);
             EXPECT_LE(disc.farthest, (radius + 0.5 * LongestDiagonal(volume.data)) / spacing);
         }

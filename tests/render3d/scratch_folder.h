@@ -5,10 +5,12 @@
 #include <fstream>
 #include <iterator>
 #include <string>
+#include <system_error>
 
 namespace corvane::tests
 {
-// A working folder of its own for as long as a test needs one: the renderer leaves a diagnostic file behind.
+// A working folder of its own for as long as a test needs one: the renderer leaves a diagnostic file behind. Its name
+// is a path on Windows, from where it is removed, and a plain name elsewhere.
 class ScratchFolder
 {
 public:
@@ -22,16 +24,18 @@ public:
                 path_ = path;
         }
         std::filesystem::current_path(path_);
+        RemoveDump();
     }
     ~ScratchFolder()
     {
+        RemoveDump();
         std::filesystem::current_path(before_);
         std::filesystem::remove_all(path_);
     }
     ScratchFolder(const ScratchFolder&) = delete;
     ScratchFolder& operator=(const ScratchFolder&) = delete;
 
-    // The bytes of the diagnostic file, whose name is a path on Windows and a plain name elsewhere.
+    // The bytes of the diagnostic file.
     static std::string Dump()
     {
         std::ifstream file(kDumpName, std::ios::binary);
@@ -40,7 +44,24 @@ public:
 
     static constexpr char kDumpName[] = "D:\\mark.data";
 
+    // Whether the drive of the diagnostic file is there.
+    static bool CanDump()
+    {
+#if defined(_WIN32)
+        std::error_code unreadable;
+        return std::filesystem::is_directory("D:\\", unreadable);
+#else
+        return true;
+#endif
+    }
+
 private:
+    static void RemoveDump()
+    {
+        std::error_code missing;
+        std::filesystem::remove_all(kDumpName, missing);
+    }
+
     std::filesystem::path before_, path_;
 };
 } // namespace corvane::tests

@@ -1,9 +1,6 @@
 #include "hazard_scenes.h"
-
-#ifndef _WIN32
-#include <sys/mman.h>
-#include <unistd.h>
-#endif
+#include "sparse_memory.h"
+#include "tests/ends_by_itself.h"
 
 // Image planes, view points and visible boxes.
 namespace corvane::tests
@@ -58,9 +55,7 @@ TEST(RenderHazards, AnImagePlaneMayBe9000VoxelsAway)
     ExpectSamePixels(Drawn(scene, oblique), DrawnPlainly(scene, oblique));
 }
 
-#ifndef _WIN32
-// A step along x is so short that adding it changes nothing any more. In a process of its own, which is ended when it
-// does not end by itself.
+// A step along x is so short that adding it changes nothing any more.
 TEST(RenderHazards, AStepBelowTheParametersResolutionEnds)
 {
     for (const float thin : {1e-7f, 1e-9f, 1e-20f, 1e-38f, 1e-44f})
@@ -77,26 +72,15 @@ TEST(RenderHazards, AStepBelowTheParametersResolutionEnds)
         Render3D render;
         ASSERT_TRUE(render.InitData(scene.volume.data, {}, scene.palette.palette));
         const double s = double(thin);
-        const auto ends = [&](const auto& draw, int view)
-        {
-            EXPECT_EXIT(
-                {
-                    alarm(30);
-                    draw();
-                    _exit(0);
-                },
-                testing::ExitedWithCode(0), "")
-                << thin << ", " << view;
-        };
-        ends([&] { Drawn(render, {2, 2, 1, 1, {0, 0, 1}, {0, 1, 0}, {20, 5 * s, 5}}); }, 0);
-        ends([&] { Drawn(render, {2, 2, 1, s, {0, 1, 0}, {0, 0, 1}, {-1, 5 * s, 5.5}}); }, 1);
-        ends([&] { Drawn(render, {2, 2, 1, s, {0, 1, 0}, {1, 0, 0}, {5.3, 5 * s, 20}}); }, 2);
-        ends([&] { Perspective(render, {{6.5f, 6 * thin, 6}, {1, 0, 0}, {0, 0, 1}}, 2, 2); }, 3);
+        SCOPED_TRACE(thin);
+        ExpectToEnd([&] { Drawn(render, {2, 2, 1, 1, {0, 0, 1}, {0, 1, 0}, {20, 5 * s, 5}}); });
+        ExpectToEnd([&] { Drawn(render, {2, 2, 1, s, {0, 1, 0}, {0, 0, 1}, {-1, 5 * s, 5.5}}); });
+        ExpectToEnd([&] { Drawn(render, {2, 2, 1, s, {0, 1, 0}, {1, 0, 0}, {5.3, 5 * s, 20}}); });
+        ExpectToEnd([&] { Perspective(render, {{6.5f, 6 * thin, 6}, {1, 0, 0}, {0, 0, 1}}, 2, 2); });
         if (HasFailure())
             return; // one minute is enough
     }
 }
-#endif
 
 TEST(RenderHazards, ImagePlanesOfStrangeNumbersShowTheVolumeOrNothing)
 {
@@ -191,7 +175,6 @@ TEST(RenderHazards, ImagesOfMorePixelsThanCanBeCountedAreRefused)
     EXPECT_EQ(image.param.position[2], kFront.position[2]);
 }
 
-#ifndef _WIN32
 // Only the pages of the pixels that are drawn exist.
 TEST(RenderHazards, PixelsBeyond32BitsAreDrawnInTheirPlace)
 {
@@ -203,8 +186,8 @@ TEST(RenderHazards, PixelsBeyond32BitsAreDrawnInTheirPlace)
     {
         SCOPED_TRACE(testing::Message() << size[0] << " x " << size[1]);
         const size_t bytes = size_t(size[0]) * size[1] * sizeof(uint32_t);
-        void* memory = mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
-        if (memory == MAP_FAILED)
+        const SparseMemory memory(bytes);
+        if (!memory.Start())
             GTEST_SKIP() << "the machine reserves no " << bytes << " bytes";
         // The largest image sees in its last rows and columns what the small one sees, the others in their first.
         PnImageParam param = kFront;
@@ -216,7 +199,7 @@ TEST(RenderHazards, PixelsBeyond32BitsAreDrawnInTheirPlace)
             param.position[0] -= (70000 - 12) * 1.5;
             param.position[1] -= (70000 - 12) * 1.5;
         }
-        PnImageRGB image = {static_cast<uint32_t*>(memory), param};
+        PnImageRGB image = {static_cast<uint32_t*>(memory.Start()), param};
         const bool drawn = render.ImagingVR(&image, 0);
         EXPECT_TRUE(drawn || size[0] > INT32_MAX); // or refused, and left alone
         const size_t first = atEnd ? 70000 - 12 : 0;
@@ -233,8 +216,6 @@ TEST(RenderHazards, PixelsBeyond32BitsAreDrawnInTheirPlace)
                 seen += pixel != 0;
             }
         EXPECT_EQ(seen > 50, drawn);
-        munmap(memory, bytes);
     }
 }
-#endif
 } // namespace corvane::tests

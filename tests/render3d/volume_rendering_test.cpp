@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numbers>
 
 // Whole frames of parallel rays.
 namespace corvane::tests
@@ -211,7 +212,7 @@ TEST(VolumeRendering, ASurfaceIsLitByTheCosineOfItsAngle)
     scene.palette.AddOpaqueFrom(0, 2000, {200, 200, 200}, {0.1f, 0.6f, 0.0f});
     for (const double degrees : {0.0, 20.0, 40.0, 60.0, 180.0})
     {
-        const double c = std::cos(degrees * M_PI / 180), s = std::sin(degrees * M_PI / 180);
+        const double c = std::cos(degrees * std::numbers::pi / 180), s = std::sin(degrees * std::numbers::pi / 180);
         // Through the middle, turned about y; the plane stands in front of the volume or inside of it.
         PnImageParam param = {1, 1, 1, 1, {c, 0, -s}, {0, 1, 0}, {30 - 5 * s, 30, 15 - 5 * c}};
         if (degrees > 90)
@@ -230,7 +231,7 @@ TEST(VolumeRendering, AHighlightIsThe96thPowerOfTheCosine)
     scene.palette.AddOpaqueFrom(0, 2000, {250, 250, 250}, {0.0f, 0.0f, 1.0f});
     for (const double degrees : {0.0, 3.0, 6.0, 10.0})
     {
-        const double c = std::cos(degrees * M_PI / 180), s = std::sin(degrees * M_PI / 180);
+        const double c = std::cos(degrees * std::numbers::pi / 180), s = std::sin(degrees * std::numbers::pi / 180);
         const PnImageParam param = {1, 1, 1, 1, {c, 0, -s}, {0, 1, 0}, {30 - 5 * s, 30, 15 - 5 * c}};
         EXPECT_NEAR(int(Drawn(scene, param).At(0, 0) >> 8 & 255), 250 * std::pow(c, 96), 1.01) << degrees;
     }
