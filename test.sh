@@ -1,22 +1,23 @@
 #!/usr/bin/env bash
 # Builds with warnings as errors and runs every test. The last line says how many passed and failed.
 #   usage: ./test.sh [--quick | --only STEP]
-#   --quick  leaves out the two sanitizer steps
+#   --quick  leaves out the two sanitizer steps and Windows
 #   STEP     release  all tests, and those of the installed package, built for release by g++
 #            asan     the tests under AddressSanitizer and UndefinedBehaviorSanitizer, built by clang++
 #            tsan     the tests under ThreadSanitizer, built by g++
+#            wine     the tests of the library, built for Windows and run under Wine
 #            format   the format of every C++ file
 #            headers  the public headers, each on its own, with every compiler
 set -uo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 readonly root
-readonly allSteps=(release headers format asan tsan)
+readonly allSteps=(release headers format asan tsan wine)
 passed=0 failed=0 skipped=0
 launcher=() # a command that starts what runs the tests
 
 usageError()
 {
-    echo "test.sh: $1; usage: ./test.sh [--quick | --only release|asan|tsan|format|headers]" >&2
+    echo "test.sh: $1; usage: ./test.sh [--quick | --only release|asan|tsan|wine|format|headers]" >&2
     exit 2
 }
 
@@ -142,11 +143,52 @@ step_tsan()
     launcher=()
 }
 
+# Runs whole programs of tests and adds the counts in GoogleTest's own reports to the totals.
+#   $1  the build folder
+runTestPrograms()
+{
+    local build=$1 program report tests failures left total=0
+    rm -f "$build"/gtest/*.xml
+    ctest --test-dir "$build" --parallel 2 --output-on-failure --no-tests=error --label-regex gtest
+    local result=$?
+    while IFS= read -r program; do
+        report=$build/gtest/$program.xml
+        if [ ! -s "$report" ]; then
+            stepFailed "$program left no report in $build" # it stopped half way
+            total=1
+            continue
+        fi
+        tests=$(sed -n 's/^<testsuites.* tests="\([0-9]*\)".*/\1/p' "$report")
+        failures=$(sed -n 's/^<testsuites.* failures="\([0-9]*\)".*/\1/p' "$report")
+        left=$(grep -c -e '<skipped' -e 'status="notrun"' "$report")
+        passed=$((passed + tests - failures - left))
+        failed=$((failed + failures))
+        skipped=$((skipped + left))
+        total=$((total + failures))
+    done < <(ctest --test-dir "$build" --show-only --label-regex gtest | sed -n 's/^ *Test *#[0-9]*: //p')
+    if [ $result -ne 0 ] && [ $total -eq 0 ]; then
+        stepFailed "ctest failed in $build"
+    fi
+}
+
+step_wine()
+{
+    local build=$root/build/test-windows
+    if ! { "$root/scripts/install_packages.sh" wine && configure "$build" -DCMAKE_BUILD_TYPE=Release \
+        -DCMAKE_TOOLCHAIN_FILE="$root/cmake/mingw.cmake" -DCORVANE_BUILD_APPS=OFF &&
+        cmake --build "$build" --parallel "$(nproc)"; }; then
+        stepFailed "the build for Windows failed"
+        return
+    fi
+    runTests "$build" --label-exclude gtest
+    runTestPrograms "$build"
+}
+
 steps=("${allSteps[@]}")
 case ${1:-} in
 '') ;;
 -h | --help)
-    sed -n '2,10s/^# \{0,3\}//p' "${BASH_SOURCE[0]}"
+    sed -n '2,11s/^# \{0,3\}//p' "${BASH_SOURCE[0]}"
     exit 0
     ;;
 --quick)

@@ -1,18 +1,24 @@
 # How the libraries are compiled and put together.
 
-set(CORVANE_COMPILE_OPTIONS
-    -Wall -Wextra
-    -ffp-contract=off # the same bits from every compiler and instruction set
-    -fno-math-errno   # square roots become one instruction; nobody reads errno
-    $<$<BOOL:${MINGW}>:-Wa,-muse-unaligned-vector-move> # 16-byte stacks, 32-byte spills: GCC bug 54412
-    $<$<BOOL:${CORVANE_WARNINGS_AS_ERRORS}>:-Werror>)
+# -ffp-contract=off: the same bits from every compiler and instruction set.
+# -fno-math-errno: square roots become one instruction; nobody reads errno.
+if(MSVC) # clang-cl
+    set(CORVANE_COMPILE_OPTIONS /W4 /clang:-ffp-contract=off /clang:-fno-math-errno
+        $<$<BOOL:${CORVANE_WARNINGS_AS_ERRORS}>:/WX>)
+else()
+    set(CORVANE_COMPILE_OPTIONS -Wall -Wextra -ffp-contract=off -fno-math-errno
+        $<$<BOOL:${CORVANE_WARNINGS_AS_ERRORS}>:-Werror>)
+endif()
+if(MINGW AND CMAKE_CXX_COMPILER_ID STREQUAL GNU)
+    list(APPEND CORVANE_COMPILE_OPTIONS -Wa,-muse-unaligned-vector-move) # 16-byte stacks, 32-byte spills: GCC bug 54412
+endif()
 
 # A folder of the library. Its objects go into libcorvane and, with all symbols in reach, into the tests.
 function(corvane_folder name)
     add_library(corvane_${name} OBJECT ${ARGN})
     target_include_directories(corvane_${name} PRIVATE ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/include)
     target_compile_options(corvane_${name} PRIVATE ${CORVANE_COMPILE_OPTIONS})
-    target_compile_definitions(corvane_${name} PRIVATE CORVANE_BUILDING)
+    target_compile_definitions(corvane_${name} PRIVATE CORVANE_BUILDING $<$<BOOL:${WIN32}>:NOMINMAX>)
     if(CMAKE_CXX_COMPILER_ID STREQUAL GNU AND NOT name MATCHES _kernels_)
         # GCC 12 vectorises conversions of neighbours from double to float and back, and then drops both, and with them
         # the rounding. Kernels have no double precision.
@@ -46,7 +52,6 @@ endfunction()
 
 # libcorvane itself, once every folder is known, and the interface library through which tests see its inside.
 function(corvane_library)
-    find_package(Threads REQUIRED)
     get_property(folders GLOBAL PROPERTY CORVANE_FOLDERS)
     add_library(corvane_objects INTERFACE)
     foreach(folder IN LISTS folders)
@@ -54,7 +59,11 @@ function(corvane_library)
     endforeach()
     target_include_directories(corvane_objects INTERFACE ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/include)
     target_compile_definitions(corvane_objects INTERFACE CORVANE_BUILDING)
-    target_link_libraries(corvane_objects INTERFACE Threads::Threads trevik)
+    target_link_libraries(corvane_objects INTERFACE trevik)
+    if(NOT WIN32) # there threads are the system's own
+        find_package(Threads REQUIRED)
+        target_link_libraries(corvane_objects INTERFACE Threads::Threads)
+    endif()
 
     add_library(corvane SHARED)
     target_link_libraries(corvane PRIVATE corvane_objects)
@@ -65,10 +74,14 @@ function(corvane_library)
     add_library(corvane::corvane ALIAS corvane)
 endfunction()
 
-# What both shared libraries have in common: version, SONAME and an export list that a linker script makes exact.
+# What both shared libraries have in common: name, version, and an export list that is exact: on Linux by a linker script,
+# on Windows because what is marked for export turns off the export of everything.
 function(corvane_shared target)
     set_target_properties(${target} PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
-    if(UNIX AND NOT APPLE)
+    if(MINGW)
+        set_target_properties(${target} PROPERTIES PREFIX "") # corvane.dll, as every compiler on Windows calls it
+        target_link_options(${target} PRIVATE -static) # the compiler's runtime inside: hosts need no other DLL
+    elseif(UNIX AND NOT APPLE)
         set(script ${PROJECT_SOURCE_DIR}/cmake/${target}.map)
         target_link_options(${target} PRIVATE -Wl,--version-script=${script} -Wl,-z,defs)
         set_target_properties(${target} PROPERTIES LINK_DEPENDS ${script})

@@ -4,6 +4,7 @@
 #   build  compiler and build tool: all that the library needs
 #   apps   what the corvane program reads and writes files with
 #   test   test and benchmark frameworks, a second compiler, the formatter, a comparer of binary interfaces
+#   wine   the compiler for Windows, what runs its programs here, the test framework's source
 set -euo pipefail
 
 packagesOf()
@@ -12,6 +13,7 @@ packagesOf()
     build) echo g++ cmake ninja-build ;;
     apps) echo libgdcm-dev libnifti2-dev libteem-dev libpng-dev zlib1g-dev libcli11-dev nlohmann-json3-dev libtinyxml2-dev ;;
     test) echo libgtest-dev libbenchmark-dev clang libclang-rt-dev clang-format pkgconf git abigail-tools ;;
+    wine) echo g++-mingw-w64-x86-64-posix wine64 googletest ;;
     *) return 1 ;;
     esac
 }
@@ -27,10 +29,10 @@ isInstalled()
     [ "$(dpkg-query --show --showformat='${db:Status-Status}' "$1" 2>/dev/null)" = installed ]
 }
 
-[ $# -gt 0 ] || fail "name at least one group: build, apps, test"
+[ $# -gt 0 ] || fail "name at least one group: build, apps, test, wine"
 wanted=()
 for group in "$@"; do
-    packages=$(packagesOf "$group") || fail "unknown group '$group'; the groups are build, apps and test"
+    packages=$(packagesOf "$group") || fail "unknown group '$group'; the groups are build, apps, test and wine"
     read -r -a packages <<<"$packages"
     wanted+=("${packages[@]}")
 done
