@@ -32,9 +32,12 @@ std::array<uint8_t, 256> Selectable(const VolumePalette& tables)
     return selectable;
 }
 
-// The numbers below which an index truncates to less than a count, which single precision may not hold itself.
+// The numbers below which an index truncates to less than a count, which single precision may not hold itself. No
+// number from -1 on does for a count of 0.
 float LimitOf(uint32_t count)
 {
+    if (count == 0)
+        return -1.0f;
     const float limit = float(count);
     return double(limit) < double(count) ? std::nextafter(limit, INFINITY) : limit;
 }

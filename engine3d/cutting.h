@@ -6,7 +6,7 @@
 namespace corvane::engine3d
 {
 // Selects what a region covers, as Engine3D::CutFill says. A selection is of the volume's sizes, as the labels are, and
-// neither has a missing slice; a region has pixels.
+// neither has a missing slice; a region has a buffer.
 //   tables  which labels are visible
 // Throws what the allocator throws, with nothing written.
 void SelectCovered(const KsVolumeData& volume, const KsVolumeMark& labels, const VolumePalette& tables,

@@ -114,7 +114,7 @@ public:
     // others. Nothing is cut yet. Voxels are placed with their two in-plane spacings exchanged, so a region fits
     // exactly where those are the same.
     // False, with nothing written, without a volume, for a result of other sizes or without slices, and for a region
-    // without pixels.
+    // without a buffer. A region without rows or columns selects nothing.
     virtual bool CutFill(const KsImageMark& region, KsVolumeMark& result, uint8_t value);
 
     // The geometry of an image of the orthographic camera. False for a width or height below 1.

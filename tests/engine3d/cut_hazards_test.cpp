@@ -76,6 +76,26 @@ TEST(CutFillHazards, LabelsThatTheHostTookAwayAreRefused)
     EXPECT_EQ(CountOf(result, 1), 9 * 8 * 7);
 }
 
+// Its first byte does not exist, although what stands less than a pixel before the first would fall on it.
+TEST(CutFillHazards, ARegionWithoutRowsOrColumnsSelectsNothing)
+{
+    const TestVolume volume = MakeBlank(9, 8, 7);
+    Engine3D engine;
+    ASSERT_TRUE(engine.InitData(volume.data));
+    uint8_t drawn = 1;
+    for (const auto& [rows, columns] : {std::pair{0u, 9u}, {9u, 0u}, {0u, 0u}})
+        for (const double shift : {0.0, 0.5, 7.5})
+        {
+            KsImageMark region = {&drawn, kRegion};
+            region.param.rows = rows;
+            region.param.columns = columns;
+            region.param.position[0] = region.param.position[1] = shift;
+            TestLabels result = Marked(9, 8, 7);
+            EXPECT_TRUE(engine.CutFill(region, result.mark, 1));
+            EXPECT_EQ(CountOf(result, 0), 9 * 8 * 7) << rows << " x " << columns << " at " << shift;
+        }
+}
+
 TEST(CutFillHazards, RegionsOfBillionsOfRowsAreRefused)
 {
     const TestVolume volume = MakeBlank(9, 8, 7);
