@@ -25,6 +25,10 @@ void RegisterBlockTree(const BenchVolume& volume);
 void RegisterPlanes(const BenchVolume& volume);
 void RegisterProjections(const BenchVolume& volume);
 void RegisterRenderings(const BenchVolume& volume);
+
+// These have input of their own.
+void RegisterCutting();
+void RegisterPalettes();
 } // namespace corvane::bench
 
 #endif

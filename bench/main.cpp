@@ -21,6 +21,8 @@ int main(int argc, char** argv)
         corvane::bench::RegisterPlanes(volume);
         corvane::bench::RegisterRenderings(volume);
         corvane::bench::RegisterProjections(volume);
+        corvane::bench::RegisterCutting();
+        corvane::bench::RegisterPalettes();
         benchmark::RunSpecifiedBenchmarks();
     }
     catch (const corvane::host::Error& error)
