@@ -12,10 +12,21 @@
 #include "trevik/Cuda3D.h"
 
 #include <memory>
+#include <new>
 #include <vector>
 
 namespace corvane::engine3d
 {
+// Ends a renderer whose class has operations to replace but is never derived from: the qualified name says so.
+struct EndGpu
+{
+    void operator()(Cuda3D* gpu) const
+    {
+        gpu->Cuda3D::~Cuda3D();
+        ::operator delete(gpu);
+    }
+};
+
 // Whether an upload to the GPU brings the blend images, too. Only volume renderings show them.
 enum class BlendImages
 {
@@ -30,7 +41,7 @@ struct Engine3D::State
 {
     // Behind a pointer because the library that supplies the class may be another one than this was built with: only
     // its constructor and destructor are called by name.
-    std::unique_ptr<Cuda3D> gpu = std::make_unique<Cuda3D>();
+    std::unique_ptr<Cuda3D, corvane::engine3d::EndGpu> gpu{new Cuda3D};
     bool gpuEnabled = false; // the host wants it
     bool gpuHasData = false; // it has taken the volume: from then on it is told every change
     Render3D render;
