@@ -3,6 +3,7 @@
 #include "core/guarded.h"
 #include "core/image_plane.h"
 #include "core/vec3.h"
+#include "render3d/volume_slot.h"
 
 #include <cmath>
 
@@ -20,11 +21,6 @@ constexpr KsPalettePoint kDefaultPoints[] = {
     {336, 0xFFFFFF, 0.28f},
     {1448, 0xFFF5F5, 0.62f},
 };
-
-bool HasVoxels(const KsVolumeData& volume)
-{
-    return volume.slices && volume.sizeX >= 1 && volume.sizeY >= 1 && volume.sizeZ >= 1;
-}
 
 KsPalette DefaultPalette(std::vector<KsPalettePoint>& points)
 {
@@ -69,7 +65,7 @@ bool Engine3D::InitData(const KsVolumeData& volume)
 {
     const KsVolumeData taken = volume;
     Clear();
-    if (!state_ || !HasVoxels(taken))
+    if (!state_ || !render3d::CanBeDrawn(taken))
         return false;
     const bool loaded = Guarded(
         [&]

@@ -60,9 +60,10 @@ bool Engine3D::GetParamsOfVR(int width, int height, PnImageParam& param)
     return state_ && state_->orthographic.GetImageParams(width, height, param);
 }
 
+// One operation with two names: what a derived class makes of the other one is not asked.
 bool Engine3D::GetImageParams(int width, int height, PnImageParam& param)
 {
-    return GetParamsOfVR(width, height, param);
+    return Engine3D::GetParamsOfVR(width, height, param);
 }
 
 bool Engine3D::Imaging(int width, int height, uint32_t* pixels, bool unused, PnImageRGB* image, int volumeIndex)

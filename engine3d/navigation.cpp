@@ -11,7 +11,8 @@ void Engine3D::Step(float distance)
         state_->perspective.Step(distance);
 }
 
-void Engine3D::StepOrigin(float distance) { Step(distance); }
+// One operation with two names: what a derived class makes of the other one is not asked.
+void Engine3D::StepOrigin(float distance) { Engine3D::Step(distance); }
 
 void Engine3D::RotateScreen(float angle)
 {

@@ -46,9 +46,11 @@ void UpdateVisibleCorners(VolumeSlot& slot)
 }
 } // namespace
 
+bool CanBeDrawn(const KsVolumeData& volume) { return FitsKernels(volume) && IsLoadable(volume); }
+
 bool LoadSlot(const KsVolumeData& volume, const KsVolumeMark& mark, VolumeSlot& slot)
 {
-    if (!IsLoadable(volume) || !FitsKernels(volume) || !BuildBlockTree(volume, slot.blocks))
+    if (!CanBeDrawn(volume) || !BuildBlockTree(volume, slot.blocks))
         return false;
     ComputeBlockRanges(ViewOf(volume), slot.blocks);
     PrepareVolumeGeometry(volume, slot.geometry);

@@ -18,6 +18,9 @@ struct VolumeSlot
     bool dataChanged = true;            // the tree's masks are older than labels or tables
 };
 
+// Whether a volume can be drawn: loadable, and not larger than what kernels can count.
+bool CanBeDrawn(const KsVolumeData& volume);
+
 // Fills an empty slot and builds its block tree. False, with the slot left empty, for a volume that cannot be taken.
 // Throws what the allocator throws, with the slot left empty.
 bool LoadSlot(const KsVolumeData& volume, const KsVolumeMark& mark, VolumeSlot& slot);
