@@ -230,7 +230,8 @@ void ClassifyBlock(const VisibleValues& values, const VisibleLabels& labels, Blo
 } // namespace
 
 BlockTree::BlockTree(const BlockTree& other)
-    : BlockLayout(other), nodes(other.nodes), levels(other.levels), rootMasks(other.rootMasks), blocks(other.blocks)
+    : BlockLayout(other), nodes(other.nodes), levels(other.levels), rootMasks(other.rootMasks), blocks(other.blocks),
+      lowest(other.lowest), highest(other.highest)
 {
     // The copied pointers name the other tree's nodes and levels.
     for (BlockNode*& level : levels)
@@ -312,6 +313,13 @@ bool ComputeBlockRanges(const VolumeView& volume, BlockTree& tree)
                    tree.rootMasks[size_t(block)] = 0;
                }
            });
+    tree.lowest = kNoMinimum;
+    tree.highest = kNoMaximum;
+    for (const BlockRecord& block : tree.blocks)
+    {
+        tree.lowest = std::min(tree.lowest, block.levels[0][0].min);
+        tree.highest = std::max(tree.highest, block.levels[0][0].max);
+    }
     return true;
 }
 

@@ -53,6 +53,7 @@ struct BlockTree : BlockLayout
     std::vector<BlockNode*> levels;  // into the nodes, four per block
     std::vector<uint16_t> rootMasks; // copies of the masks of level 0
     std::vector<BlockRecord> blocks;
+    int16_t lowest = 0, highest = 0; // of all stored values
 };
 
 // The level sizes of a block of a depth in slices. Storage is sparse but indexable without translation: each size is

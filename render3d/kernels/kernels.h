@@ -47,6 +47,38 @@ struct RayBatch
     int layerCount[kRaysPerBatch];
 };
 
+// How a volume lies in patient space; see core/geometry.h.
+struct PatientFrame
+{
+    core::Vec3f origin, spacing;
+    core::Vec3f row, column, normal;
+    core::Vec3f sliceInFrame; // slice direction along row, column and normal
+};
+
+// A box with faces perpendicular to the axes.
+struct ClipBounds
+{
+    core::Vec3f min, max;
+};
+
+// The rays of the pixels of an image, all perpendicular to it. Directions and lengths are in voxel-index space where
+// nothing else is said.
+struct ParallelRays
+{
+    core::Vec3f position, columnStep, rowStep; // patient: the first pixel, and on to the next column and row
+    int64_t columns;                           // pixels of a row
+    core::Vec3f patientDirection;
+    core::Vec3f direction, step; // a unit vector, or 0 for rays that stand still
+    float stepLength;
+    float farthest; // from the start, where rays end at the latest
+    PatientFrame frame;
+    ClipBounds box;    // patient: what is to be seen
+    ClipBounds bounds; // where samples have all their neighbours
+    bool anyHits;      // false: the volume has no extent, every ray misses
+    bool standsStill;
+    int32_t lowest, highest; // stored values of the volume
+};
+
 struct KernelTable
 {
     const char* instructionSet; // the name of the copy's namespace
@@ -55,11 +87,12 @@ struct KernelTable
     // 8 to 15 red, 16 to 23 green, 24 to 31 blue. Never reads outside the volume, and ends for every input.
     void (*integrateRays)(const Scene& scene, const RayBatch& rays, uint32_t* pixels);
 
-    // Highest, lowest and mean stored value of each ray's samples whose label is shown; -1024 for a ray without any,
-    // and at the least for the highest and the mean. The same promises as above.
-    void (*projectMaximum)(const Scene& scene, const RayBatch& rays, int16_t* values);
-    void (*projectMinimum)(const Scene& scene, const RayBatch& rays, int16_t* values);
-    void (*projectAverage)(const Scene& scene, const RayBatch& rays, int16_t* values);
+    // Highest, lowest and mean stored value of the samples, whose label is shown, on the rays of the pixels from
+    // `first` to before `end`; -1024 for a ray without any, and at the least for the highest and the mean. Writes
+    // values[first] to values[end - 1]. The same promises as above.
+    using Projection = void (*)(const Scene& scene, const ParallelRays& rays, int64_t first, int64_t end,
+                                int16_t* values);
+    Projection projectMaximum, projectMinimum, projectAverage;
 };
 
 // The copies that this machine runs, the fastest last.

@@ -1,14 +1,13 @@
 #include "project_rays.h"
 
-#include "core/simd/sampling.h"
-#include "labels.h"
-#include "ray_walk.h"
+#include "nearest_voxels.h"
+#include "parallel_rays.h"
 
 namespace corvane::KERNEL_ISA
 {
 namespace
 {
-using render3d::RayBatch;
+using render3d::ParallelRays;
 using render3d::Scene;
 
 constexpr int32_t kBackground = -1024;
@@ -16,19 +15,23 @@ constexpr int32_t kLeastAveraged = -1248; // what lies below is padding outside 
 constexpr float kCoarseSteps = 10.0f;
 
 // What makes a projection of the highest values, and of the lowest. `Improves` is never true for an equal value, `Can`
-// is: a cell that only reaches the best value so far is still sampled.
+// is: a cell that only reaches the best value so far is still walked step by step.
 struct Highest
 {
     static constexpr int32_t kStart = kBackground;
     static IntPack Improves(IntPack value, IntPack best) { return value > best; }
-    static bool Can(const core::BlockNode& node, int32_t best) { return node.max >= best; }
+    static IntPack Can(IntPack extreme, IntPack best) { return extreme >= best; }
+    static int32_t Extreme(const core::BlockNode& node) { return node.max; }
+    static int32_t Extreme(const ParallelRays& rays) { return rays.highest; }
 };
 
 struct Lowest
 {
     static constexpr int32_t kStart = INT16_MAX;
     static IntPack Improves(IntPack value, IntPack best) { return value < best; }
-    static bool Can(const core::BlockNode& node, int32_t best) { return node.min <= best; }
+    static IntPack Can(IntPack extreme, IntPack best) { return extreme <= best; }
+    static int32_t Extreme(const core::BlockNode& node) { return node.min; }
+    static int32_t Extreme(const ParallelRays& rays) { return rays.lowest; }
 };
 
 template <class Kind>
@@ -37,92 +40,87 @@ IntPack Better(IntPack value, IntPack best)
     return Kind::Improves(value, best) ? value : best;
 }
 
-// The lanes of a batch that have a ray.
-IntPack LiveLanes(const RayBatch& batch, int first)
-{
-    IntPack live = {};
-    for (int lane = 0; lane < kLanes && first + lane < batch.count; ++lane)
-        live[lane] = batch.entryDistance[first + lane] < batch.exitDistance[first + lane] ? -1 : 0;
-    return live;
-}
-
-// The wanted lanes whose nearest voxels have a label that is shown.
-IntPack ShownLanes(const Scene& scene, IntPack wanted, IntPack i, IntPack j, IntPack k)
-{
-    if (!scene.labels.slices)
-        return scene.palette->shown[0] ? wanted : IntPack{};
-    for (int lane = 0; lane < kLanes; ++lane)
-        if (wanted[lane] && !scene.palette->shown[LabelAt(scene.labels, i[lane], j[lane], k[lane])])
-            wanted[lane] = 0;
-    return wanted;
-}
-
-// The nearest voxels of places, and which of the wanted lanes have one inside the volume that is shown.
-struct NearestVoxels
-{
-    IntPack counted;
-    IntPack values; // of the counted lanes
-};
-
-NearestVoxels SampleNearest(const Scene& scene, IntPack wanted, const VectorPack& p)
-{
-    const core::VolumeView& volume = scene.volume;
-    const FloatPack x = p.x + 0.5f, y = p.y + 0.5f, z = p.z + 0.5f;
-    const IntPack inside = (p.x >= 0.0f) & (x < float(volume.nx)) & (p.y >= 0.0f) & (y < float(volume.ny)) &
-                           (p.z >= 0.0f) & (z < float(volume.nz));
-    const IntPack i = ToInt(x), j = ToInt(y), k = ToInt(z);
-    NearestVoxels voxels = {ShownLanes(scene, wanted & inside, i, j, k), {}};
-    const IntPack offset = j * volume.nx + i;
-    for (int lane = 0; lane < kLanes; ++lane)
-        if (voxels.counted[lane])
-            voxels.values[lane] = volume.slices[k[lane]][offset[lane]];
-    return voxels;
-}
-
 // The best of the nearest voxels at every tenth step: a first bound, so that most cells need not be sampled.
 template <class Kind>
-IntPack BestOfCoarsePass(const Scene& scene, const RayPack& rays, PlacePack place, IntPack live)
+IntPack BestOfCoarsePass(const Scene& scene, const ParallelRays& rays, const ParallelPack& pack)
 {
-    IntPack best = IntPack{} + Kind::kStart;
-    const FloatPack length = kCoarseSteps * rays.stepLength;
-    const VectorPack step = {kCoarseSteps * rays.step.x, kCoarseSteps * rays.step.y, kCoarseSteps * rays.step.z};
+    IntPack best = IntPack{} + Kind::kStart, live = pack.live;
+    VectorPack p = pack.entry.position;
+    FloatPack distance = pack.entry.distance;
+    const float length = kCoarseSteps * rays.stepLength;
+    const core::Vec3f step = {kCoarseSteps * rays.step.x, kCoarseSteps * rays.step.y, kCoarseSteps * rays.step.z};
     while (Any(live))
     {
-        const NearestVoxels voxels = SampleNearest(scene, live, place.position);
+        const NearestVoxels voxels = SampleNearest(scene, live, p);
         best = voxels.counted ? Better<Kind>(voxels.values, best) : best;
-        const FloatPack next = place.distance + length;
-        live &= (next > place.distance) & (next < rays.exitDistance);
-        place.distance = next;
-        place.position = {place.position.x + step.x, place.position.y + step.y, place.position.z + step.z};
+        const FloatPack next = distance + length;
+        live &= (next > distance) & (next < pack.exitDistance);
+        distance = next;
+        p = {p.x + step.x, p.y + step.y, p.z + step.z};
     }
     return best;
 }
 
-// The largest cells around voxels that cannot better what rays have, or the leaf cells that can.
-template <class Kind>
-CellPack PromisingCells(const core::BlockView& blocks, IntPack wanted, IntPack best, IntPack i, IntPack j, IntPack k)
+// Where voxels stand in the block tree.
+struct LeafPack
+{
+    IntPack block, leaf; // numbers; 0, which every tree has, for lanes that are not wanted
+};
+
+inline IntPack SpreadCell(IntPack voxel)
+{
+    const IntPack cell = voxel >> 1;
+    return (cell & 1) | ((cell & 2) << 2) | ((cell & 4) << 4);
+}
+
+inline LeafPack LeavesAt(const core::BlockView& blocks, IntPack wanted, IntPack i, IntPack j, IntPack k)
 {
     const IntPack block = (k >> 4) * blocks.blocksPerLayer + (j >> 4) * blocks.blocksX + (i >> 4);
-    CellPack cells = {IntPack{} + 16, {}};
+    const IntPack leaf = SpreadCell(i) | (SpreadCell(j) << 1) | (SpreadCell(k) << 2);
+    return {block & wanted, leaf & wanted};
+}
+
+// The best value in the nodes of a level around leaves.
+template <class Kind>
+IntPack ExtremesAt(const core::BlockView& blocks, const LeafPack& leaves, int level)
+{
+    const IntPack node = leaves.leaf >> (3 * (3 - level));
+    IntPack extremes;
     for (int lane = 0; lane < kLanes; ++lane)
+        extremes[lane] = Kind::Extreme(blocks.levels[4 * int64_t(leaves.block[lane]) + level][node[lane]]);
+    return extremes;
+}
+
+// The largest cells around leaves of no interest that are of no interest either. A cell holds what its parts hold, so
+// the search ends where it fails.
+template <class Kind>
+IntPack EdgesOfIdleCells(const core::BlockView& blocks, const LeafPack& leaves, IntPack idle, IntPack best)
+{
+    IntPack edge = IntPack{} + 2;
+    for (int level = 2; level >= 0 && Any(idle); --level)
     {
-        if (!wanted[lane])
-            continue;
-        const core::BlockNode* const* levels = blocks.levels + 4 * int64_t(block[lane]);
-        int node = 0, level = 0;
-        while (Kind::Can(levels[level][node], best[lane]))
-        {
-            if (++level == 4)
-            {
-                cells.sampled[lane] = -1;
-                break;
-            }
-            const int bit = 4 - level;
-            node = 8 * node + ((k[lane] >> bit) & 1) * 4 + ((j[lane] >> bit) & 1) * 2 + ((i[lane] >> bit) & 1);
-            cells.edge[lane] = 16 >> level;
-        }
+        idle &= ~Kind::Can(ExtremesAt<Kind>(blocks, leaves, level), best);
+        edge = idle ? IntPack{} + (16 >> level) : edge;
     }
-    return cells;
+    return edge;
+}
+
+inline FloatPack ExitAlongAxis(FloatPack start, float along, IntPack voxel, IntPack edge, FloatPack exit)
+{
+    const FloatPack low = ToFloat(voxel & -edge);
+    if (along > kBoundsExit)
+        return Smaller((low + ToFloat(edge) - start) / along, exit);
+    return along < -kBoundsExit ? Smaller((low - start) / along, exit) : exit;
+}
+
+// The distance at which rays leave the cells of given edges around voxels.
+inline FloatPack ExitOfCells(const ParallelRays& rays, const ParallelPack& pack, IntPack i, IntPack j, IntPack k,
+                             IntPack edge)
+{
+    FloatPack exit = FloatPack{} + kFarthestCell;
+    exit = ExitAlongAxis(pack.start.x, rays.direction.x, i, edge, exit);
+    exit = ExitAlongAxis(pack.start.y, rays.direction.y, j, edge, exit);
+    return ExitAlongAxis(pack.start.z, rays.direction.z, k, edge, exit);
 }
 
 // Samples the wanted lanes. A sample counts only if one of the eight voxels around it is better than what there is:
@@ -130,7 +128,10 @@ CellPack PromisingCells(const core::BlockView& blocks, IntPack wanted, IntPack b
 template <class Kind>
 IntPack SampleBest(const Scene& scene, IntPack wanted, const VectorPack& p, IntPack best)
 {
-    const IntPack i = ToInt(p.x), j = ToInt(p.y), k = ToInt(p.z);
+    // Lanes that are not wanted sample where every volume that rays enter has its neighbours.
+    const FloatPack somewhere = FloatPack{} + 1.0f;
+    const FloatPack x = wanted ? p.x : somewhere, y = wanted ? p.y : somewhere, z = wanted ? p.z : somewhere;
+    const IntPack i = ToInt(x), j = ToInt(y), k = ToInt(z);
     const CellVoxels cell = LoadCell(scene.volume, i, j, k);
     IntPack extreme = best;
     const IntPack rows[] = {cell.near0, cell.near1, cell.far0, cell.far1};
@@ -142,95 +143,140 @@ IntPack SampleBest(const Scene& scene, IntPack wanted, const VectorPack& p, IntP
     wanted &= Kind::Improves(extreme, best);
     if (!Any(wanted))
         return best;
-    const FloatPack value = Interpolate(cell, p.x - ToFloat(i), p.y - ToFloat(j), p.z - ToFloat(k));
+    const FloatPack value = Interpolate(cell, x - ToFloat(i), y - ToFloat(j), z - ToFloat(k));
     return wanted ? Better<Kind>(ToInt(value + 0.5f), best) : best;
 }
 
+// Walks rays through the block tree: in each round a ray takes a step to a sample, or jumps over a cell that cannot
+// better what it has.
 template <class Kind>
-IntPack BestOfPack(const Scene& scene, const RayBatch& batch, int first)
+IntPack BestOfPack(const Scene& scene, const ParallelRays& rays, const ParallelPack& pack)
 {
     const core::VolumeView& volume = scene.volume;
-    const RayPack rays = LoadRays(batch, first, scene.inverseRelativeSpacing);
-    PlacePack place = EntryOf(batch, first, volume);
-    IntPack live = LiveLanes(batch, first), steps = {};
-    IntPack best = BestOfCoarsePass<Kind>(scene, rays, place, live);
-    while (Any(live))
+    const float sizeX = float(volume.nx), sizeY = float(volume.ny), sizeZ = float(volume.nz);
+    const core::Vec3f nudge = NudgeOf(rays, scene.inverseRelativeSpacing);
+    IntPack best = BestOfCoarsePass<Kind>(scene, rays, pack);
+    IntPack live = pack.live, steps = {}, sampled = {}, jumpsLeft = pack.entry.jumpsLeft;
+    VectorPack p = pack.entry.position;
+    FloatPack distance = pack.entry.distance;
+    for (;;)
     {
-        const IntPack asking = live & (steps <= 0);
-        if (Any(asking))
-            FindRuns(scene, rays, asking, place, steps, live,
-                     [&](IntPack wanted, IntPack i, IntPack j, IntPack k)
-                     { return PromisingCells<Kind>(scene.blocks, wanted, best, i, j, k); });
-        place.distance += rays.stepLength;
-        live &= place.distance <= rays.exitDistance;
-        Advance(rays, place);
-        steps -= 1;
+        // A ray that has the best value of the volume is done.
+        live &= Kind::Improves(IntPack{} + Kind::Extreme(rays), best);
+        if (!Any(live))
+            return best;
+        const IntPack inside =
+            live & (p.x >= 0.0f) & (p.x < sizeX) & (p.y >= 0.0f) & (p.y < sizeY) & (p.z >= 0.0f) & (p.z < sizeZ);
+        const IntPack i = ToInt(p.x), j = ToInt(p.y), k = ToInt(p.z);
+        const LeafPack leaves = LeavesAt(scene.blocks, inside, i, j, k);
+        const IntPack extremes = ExtremesAt<Kind>(scene.blocks, leaves, 3);
 
-        const VectorPack& p = place.position;
-        const IntPack inside = live & (p.x >= 0.0f) & (p.x < float(volume.nx - 1)) & (p.y >= 0.0f) &
-                               (p.y < float(volume.ny - 1)) & (p.z >= 0.0f) & (p.z < float(volume.nz - 1));
-        const IntPack wanted = ShownLanes(scene, inside, ToInt(p.x + 0.5f), ToInt(p.y + 0.5f), ToInt(p.z + 0.5f));
-        if (!Any(wanted))
-            continue;
-        // Lanes that are not wanted sample where every volume that rays enter has its neighbours.
-        const FloatPack somewhere = FloatPack{} + 1.0f;
-        best = SampleBest<Kind>(scene, wanted,
-                                {wanted ? p.x : somewhere, wanted ? p.y : somewhere, wanted ? p.z : somewhere}, best);
+        IntPack wanted = sampled & inside & Kind::Improves(extremes, best);
+        if (Any(wanted))
+        {
+            wanted &= (p.x < sizeX - 1.0f) & (p.y < sizeY - 1.0f) & (p.z < sizeZ - 1.0f);
+            wanted = ShownLanes(scene, wanted, ToInt(p.x + 0.5f), ToInt(p.y + 0.5f), ToInt(p.z + 0.5f));
+            best = SampleBest<Kind>(scene, wanted, p, best);
+        }
+
+        IntPack asking = live & (steps <= 0);
+        live &= ~asking | (inside & (distance < pack.exitDistance));
+        asking &= live;
+        const IntPack found = asking & Kind::Can(extremes, best);
+        const IntPack idle = asking & ~found;
+        FloatPack exit = ExitOfCells(rays, pack, i, j, k, IntPack{} + 2);
+        steps = found ? StepsUntil(exit, distance, FloatPack{} + rays.stepLength) : steps;
+        const FloatPack stepped = distance + rays.stepLength;
+        // On a scale where floating-point numbers lie too far apart for a step to get ahead, the ray ends.
+        live &= ~found | (stepped > distance);
+        if (Any(idle))
+            exit = ExitOfCells(rays, pack, i, j, k, EdgesOfIdleCells<Kind>(scene.blocks, leaves, idle, best));
+
+        // A jump that would not get ahead becomes a step that is not sampled.
+        const IntPack jumps = idle & (exit + kSkipNudge > distance);
+        const FloatPack next = jumps ? exit + kSkipNudge : stepped;
+        live &= idle ? (next > distance) & (jumpsLeft > 0) : next <= pack.exitDistance;
+        jumpsLeft += idle; // a set lane is -1
+        sampled = ~idle;
+        steps -= 1;
+        distance = next;
+        p = {jumps ? pack.start.x + exit * rays.direction.x + nudge.x : p.x + rays.step.x,
+             jumps ? pack.start.y + exit * rays.direction.y + nudge.y : p.y + rays.step.y,
+             jumps ? pack.start.z + exit * rays.direction.z + nudge.z : p.z + rays.step.z};
     }
-    return best;
 }
 
 template <class Kind>
-void ProjectBest(const Scene& scene, const RayBatch& batch, int16_t* values)
+void ProjectBest(const Scene& scene, const ParallelRays& rays, int64_t first, int64_t end, int16_t* values)
 {
-    for (int first = 0; first < batch.count; first += kLanes)
+    for (; first < end; first += kLanes)
     {
-        const IntPack best = BestOfPack<Kind>(scene, batch, first);
-        for (int lane = 0; lane < kLanes && first + lane < batch.count; ++lane)
+        const ParallelPack pack = RaysFrom(scene, rays, first, end);
+        const IntPack best = Any(pack.live) ? BestOfPack<Kind>(scene, rays, pack) : IntPack{} + Kind::kStart;
+        for (int lane = 0; lane < kLanes && first + lane < end; ++lane)
             values[first + lane] = int16_t(best[lane]);
     }
 }
+
+// The sums and the number of the values that count.
+struct Sums
+{
+    int64_t sums[kLanes] = {}, counts[kLanes] = {};
+};
+
+Sums SumsOfPack(const Scene& scene, const ParallelRays& rays, const ParallelPack& pack)
+{
+    constexpr int kMostAdded = 1 << 15; // stored values whose sum fits 32 bits
+    Sums total;
+    IntPack live = pack.live;
+    VectorPack p = pack.entry.position;
+    FloatPack distance = pack.entry.distance;
+    while (Any(live))
+    {
+        IntPack sums = {}, counts = {};
+        for (int added = 0; added < kMostAdded && Any(live); ++added)
+        {
+            const NearestVoxels voxels = SampleNearest(scene, live, p);
+            const IntPack counted = voxels.counted & (voxels.values >= kLeastAveraged);
+            sums += voxels.values & counted;
+            counts -= counted; // a set lane is -1
+            const FloatPack next = distance + rays.stepLength;
+            live &= (next > distance) & (next < pack.exitDistance);
+            distance = next;
+            p = {p.x + rays.step.x, p.y + rays.step.y, p.z + rays.step.z};
+        }
+        for (int lane = 0; lane < kLanes; ++lane)
+        {
+            total.sums[lane] += sums[lane];
+            total.counts[lane] += counts[lane];
+        }
+    }
+    return total;
+}
 } // namespace
 
-void ProjectMaximum(const Scene& scene, const RayBatch& rays, int16_t* values)
+void ProjectMaximum(const Scene& scene, const ParallelRays& rays, int64_t first, int64_t end, int16_t* values)
 {
-    ProjectBest<Highest>(scene, rays, values);
+    ProjectBest<Highest>(scene, rays, first, end, values);
 }
 
-void ProjectMinimum(const Scene& scene, const RayBatch& rays, int16_t* values)
+void ProjectMinimum(const Scene& scene, const ParallelRays& rays, int64_t first, int64_t end, int16_t* values)
 {
-    ProjectBest<Lowest>(scene, rays, values);
-    for (int ray = 0; ray < rays.count; ++ray)
+    ProjectBest<Lowest>(scene, rays, first, end, values);
+    for (int64_t ray = first; ray < end; ++ray)
         if (values[ray] == Lowest::kStart)
             values[ray] = kBackground; // no sample counted
 }
 
-void ProjectAverage(const Scene& scene, const RayBatch& batch, int16_t* values)
+void ProjectAverage(const Scene& scene, const ParallelRays& rays, int64_t first, int64_t end, int16_t* values)
 {
-    for (int first = 0; first < batch.count; first += kLanes)
+    for (; first < end; first += kLanes)
     {
-        const RayPack rays = LoadRays(batch, first, scene.inverseRelativeSpacing);
-        PlacePack place = EntryOf(batch, first, scene.volume);
-        IntPack live = LiveLanes(batch, first);
-        int64_t sums[kLanes] = {}, counts[kLanes] = {};
-        while (Any(live))
+        const ParallelPack pack = RaysFrom(scene, rays, first, end);
+        const Sums total = SumsOfPack(scene, rays, pack);
+        for (int lane = 0; lane < kLanes && first + lane < end; ++lane)
         {
-            const NearestVoxels voxels = SampleNearest(scene, live, place.position);
-            for (int lane = 0; lane < kLanes; ++lane)
-            {
-                if (!voxels.counted[lane] || voxels.values[lane] < kLeastAveraged)
-                    continue;
-                sums[lane] += voxels.values[lane];
-                ++counts[lane];
-            }
-            const FloatPack next = place.distance + rays.stepLength;
-            live &= (next > place.distance) & (next < rays.exitDistance);
-            place.distance = next;
-            Advance(rays, place);
-        }
-        for (int lane = 0; lane < kLanes && first + lane < batch.count; ++lane)
-        {
-            const int64_t mean = counts[lane] > 0 ? sums[lane] / counts[lane] : kBackground;
+            const int64_t mean = total.counts[lane] > 0 ? total.sums[lane] / total.counts[lane] : kBackground;
             values[first + lane] = int16_t(mean < kBackground ? kBackground : mean);
         }
     }

@@ -322,6 +322,21 @@ TEST(ComputeBlockRanges, HoldsTheLimitsOfStoredValues)
     }
 }
 
+TEST(ComputeBlockRanges, TellsTheLowestAndTheHighestValueOfTheVolume)
+{
+    const tests::TestVolume volume =
+        tests::MakeVolume(35, 20, 18,
+                          [](int i, int j, int k) {
+                              return i == 34 && j == 19 && k == 17 ? 900 : k == 0 && i == 16 ? -7 : 3;
+                          });
+    BlockTree tree = RangesOf(volume);
+    EXPECT_EQ(tree.lowest, -7);
+    EXPECT_EQ(tree.highest, 900);
+    const BlockTree copy(tree);
+    EXPECT_EQ(copy.lowest, -7);
+    EXPECT_EQ(copy.highest, 900);
+}
+
 TEST(ComputeBlockRanges, LeavesCellsWithoutVoxelsEmpty)
 {
     const tests::TestVolume volume = tests::MakeVolume(3, 1, 1, [](int i, int, int) { return 10 * i; });
