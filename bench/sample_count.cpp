@@ -42,20 +42,28 @@ int64_t SamplesOn(const render3d::Scene& scene, const render3d::RayBatch& batch,
     IntPack live = place.distance < rays.exitDistance, steps = {}, samples = {};
     for (int lane = batch.count - first; lane < kLanes; ++lane)
         live[lane] = 0;
+    const CellExits exits(rays);
     while (Any(live))
     {
-        FindVisibleRuns(scene, rays, live & (steps <= 0), place, steps, live);
-        place.distance += rays.stepLength;
-        live &= place.distance <= rays.exitDistance;
-        Advance(rays, place);
-        steps -= 1;
-        samples -= live; // a set lane is -1
-        const VectorPack& p = place.position;
-        const FloatPack opacities =
-            OpacitiesAt(scene, {live ? p.x : somewhere, live ? p.y : somewhere, live ? p.z : somewhere});
-        const IntPack seen = live & (opacities > kVisibleOpacity);
-        transmittance = seen ? transmittance * (1.0f - opacities) : transmittance;
-        live &= transmittance >= kOpaque;
+        IntPack sampled = VisitCells(scene, rays, exits, place, live, steps);
+        while (Any(sampled))
+        {
+            place.distance += sampled ? rays.stepLength : FloatPack{};
+            live &= ~sampled | (place.distance <= rays.exitDistance);
+            const VectorPack next = place.position;
+            place.position = {sampled ? next.x + rays.step.x : next.x, sampled ? next.y + rays.step.y : next.y,
+                              sampled ? next.z + rays.step.z : next.z};
+            sampled &= live;
+            samples -= sampled; // a set lane is -1
+            const VectorPack& p = place.position;
+            const FloatPack opacities =
+                OpacitiesAt(scene, {sampled ? p.x : somewhere, sampled ? p.y : somewhere, sampled ? p.z : somewhere});
+            const IntPack seen = sampled & (opacities > kVisibleOpacity);
+            transmittance = seen ? transmittance * (1.0f - opacities) : transmittance;
+            live &= transmittance >= kOpaque;
+            steps -= 1;
+            sampled &= live & (steps > 0);
+        }
     }
     int64_t sum = 0;
     for (int lane = 0; lane < kLanes; ++lane)

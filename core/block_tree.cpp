@@ -227,11 +227,38 @@ void ClassifyBlock(const VisibleValues& values, const VisibleLabels& labels, Blo
         }
     }
 }
+// How many of the cells of 8, 4 and 2 voxels around a leaf cell are visible. Only visible cells are sure to be stored.
+uint32_t DepthOf(const BlockRecord& record, int leaf)
+{
+    uint32_t depth = 0;
+    for (int level = 1; level <= kLeafLevel; ++level, ++depth)
+    {
+        const int child = leaf >> (3 * (kLeafLevel - level));
+        if (!((record.levels[level - 1][child / 8].mask >> (child % 8)) & 1))
+            break;
+    }
+    return depth;
+}
+
+void ListVisibleDepths(const BlockRecord& record, int32_t* words)
+{
+    constexpr int kCellsPerWord = 16; // two rows along x
+    for (int word = 0; word < kDepthWords; ++word)
+    {
+        uint32_t bits = 0;
+        for (int cell = 0; cell < kCellsPerWord; ++cell)
+        {
+            const int number = word * kCellsPerWord + cell;
+            bits |= DepthOf(record, NodeOf(number & 7, (number >> 3) & 7, number >> 6)) << (2 * cell);
+        }
+        words[word] = int32_t(bits);
+    }
+}
 } // namespace
 
 BlockTree::BlockTree(const BlockTree& other)
-    : BlockLayout(other), nodes(other.nodes), levels(other.levels), rootMasks(other.rootMasks), blocks(other.blocks),
-      lowest(other.lowest), highest(other.highest)
+    : BlockLayout(other), nodes(other.nodes), levels(other.levels), rootMasks(other.rootMasks),
+      visibleDepths(other.visibleDepths), blocks(other.blocks), lowest(other.lowest), highest(other.highest)
 {
     // The copied pointers name the other tree's nodes and levels.
     for (BlockNode*& level : levels)
@@ -278,6 +305,7 @@ bool BuildBlockTree(const KsVolumeData& volume, BlockTree& tree)
                        kEmptyNode);
     built.levels.resize(size_t(kLevelCount) * size_t(built.blockCount));
     built.rootMasks.resize(size_t(built.blockCount));
+    built.visibleDepths.resize(size_t(kDepthWords) * size_t(built.blockCount));
     built.blocks.resize(size_t(built.blockCount));
     BlockNode* next = built.nodes.data();
     for (int32_t block = 0; block < built.blockCount; ++block)
@@ -335,7 +363,10 @@ bool UpdateBlockVisibility(const LabelView& labels, const VolumePalette& palette
                for (int64_t block = first; block < end; ++block)
                {
                    ClassifyBlock(visibleValues, visibleLabels, tree, block);
-                   tree.rootMasks[size_t(block)] = tree.blocks[size_t(block)].levels[0][0].mask;
+                   const BlockRecord& record = tree.blocks[size_t(block)];
+                   tree.rootMasks[size_t(block)] = record.levels[0][0].mask;
+                   if (record.levels[0][0].mask != 0)
+                       ListVisibleDepths(record, tree.visibleDepths.data() + kDepthWords * block);
                }
            });
     return true;

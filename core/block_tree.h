@@ -50,8 +50,9 @@ struct BlockTree : BlockLayout
     BlockTree& operator=(BlockTree&&) = default;
 
     std::vector<BlockNode> nodes;
-    std::vector<BlockNode*> levels;  // into the nodes, four per block
-    std::vector<uint16_t> rootMasks; // copies of the masks of level 0
+    std::vector<BlockNode*> levels;     // into the nodes, four per block
+    std::vector<int32_t> rootMasks;     // copies of the masks of level 0
+    std::vector<int32_t> visibleDepths; // what the masks say for each leaf cell, see BlockView
     std::vector<BlockRecord> blocks;
     int16_t lowest = 0, highest = 0; // of all stored values
 };

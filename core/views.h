@@ -13,7 +13,9 @@ namespace corvane::core
 struct VolumeView
 {
     const int16_t* const* slices;
-    int32_t nx, ny, nz; // voxels
+    int32_t nx, ny, nz;      // voxels
+    int32_t sliceStride = 0; // voxels from one slice to the next where that is the same for all and 32 bits number
+                             // every voxel from the first slice on; else 0
 };
 
 // Labels, x fastest within a slice. Without a slice table, or without a slice, every label is 0.
@@ -44,14 +46,19 @@ static_assert(sizeof(BlockNode) == 6);
 struct BlockView
 {
     const BlockNode* const* levels; // four pointers per block
-    const uint16_t* rootMasks;      // one per block, side by side for rays that cross many empty ones
+    const int32_t* rootMasks;       // one per block, side by side for rays that cross many empty ones
+    const int32_t* visibleDepths;   // kDepthWords per block: two bits per leaf cell, x fastest, then y, then z
     int32_t blocksX, blocksPerLayer;
 };
+
+// How many of the cells of 8, 4 and 2 voxels around a voxel hold something visible, 0 to 3, for the 512 leaf cells of a
+// block that does.
+constexpr int kDepthWords = 32;
 
 // Lookup tables of one label. Without entries where the label cannot be seen.
 struct PaletteEntryView
 {
-    int32_t start;          // stored value of the first entry
+    int32_t start;          // stored value of the first entry; every entry is one of a stored value
     uint32_t size;          // entries
     const float* opacities; // one per entry
     const uint8_t* colours; // three per entry: red, green, blue

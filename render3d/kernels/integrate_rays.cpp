@@ -1,86 +1,16 @@
 #include "integrate_rays.h"
 
-#include "core/simd/sampling.h"
-#include "labels.h"
-#include "shading.h"
+#include "sample_queue.h"
 #include "visible_run.h"
 
 namespace corvane::KERNEL_ISA
 {
 namespace
 {
-using render3d::BlendLayer;
 using render3d::RayBatch;
 using render3d::Scene;
 
-constexpr float kOpaque = 0.001f;        // a ray with less transmittance left is done
-constexpr float kVisibleOpacity = 0.01f; // a sample at or below it is not composited
 constexpr float kNoLayer = 3.0e38f;
-
-// What a pack of rays has gathered so far.
-struct Light
-{
-    FloatPack transmittance, red, green, blue;
-};
-
-// What the samples of a pack look like before shading.
-struct Samples
-{
-    FloatPack opacity, red, green, blue, ambient, diffuse, specular;
-};
-
-// Looks the samples of the wanted lanes up in their labels' tables; the others, and what cannot be seen, have opacity
-// 0.
-Samples Classify(const Scene& scene, IntPack wanted, IntPack values, FloatPack x, FloatPack y, FloatPack z)
-{
-    const IntPack i = ToInt(x + 0.5f), j = ToInt(y + 0.5f), k = ToInt(z + 0.5f);
-    Samples samples = {};
-    for (int lane = 0; lane < kLanes; ++lane)
-    {
-        if (!wanted[lane])
-            continue;
-        const core::PaletteEntryView& entry = scene.palette->entries[LabelAt(scene.labels, i[lane], j[lane], k[lane])];
-        const int64_t index = int64_t(values[lane]) - entry.start;
-        if (index < 0 || index >= int64_t(entry.size) || !(entry.opacities[index] > kVisibleOpacity))
-            continue;
-        samples.opacity[lane] = entry.opacities[index];
-        samples.red[lane] = entry.colours[3 * index];
-        samples.green[lane] = entry.colours[3 * index + 1];
-        samples.blue[lane] = entry.colours[3 * index + 2];
-        samples.ambient[lane] = entry.ambient;
-        samples.diffuse[lane] = entry.diffuse;
-        samples.specular[lane] = entry.specular;
-    }
-    return samples;
-}
-
-void Composite(Light& light, int lane, const BlendLayer& layer)
-{
-    const float share = layer.opacity * light.transmittance[lane];
-    light.red[lane] += layer.red * share;
-    light.green[lane] += layer.green * share;
-    light.blue[lane] += layer.blue * share;
-    light.transmittance[lane] *= 1.0f - layer.opacity;
-}
-
-// Samples, classifies, shades and composites the wanted lanes at their places.
-void CompositeSamples(const Scene& scene, IntPack wanted, FloatPack x, FloatPack y, FloatPack z, VectorPack lightAxis,
-                      Light& light)
-{
-    const IntPack values = ToInt(SampleTrilinear(scene.volume, x, y, z) + 0.5f);
-    const Samples samples = Classify(scene, wanted, values, x, y, z);
-    const IntPack seen = samples.opacity > kVisibleOpacity;
-    if (!Any(seen))
-        return;
-    const FloatPack facing = Facing(scene, SampleGradient(scene.volume, x, y, z), lightAxis);
-    const FloatPack shade = samples.ambient + samples.diffuse * facing + samples.specular * Power96(facing);
-    const FloatPack share = shade * samples.opacity * light.transmittance;
-    const FloatPack left = light.transmittance * (1.0f - samples.opacity);
-    light.red = seen ? light.red + samples.red * share : light.red;
-    light.green = seen ? light.green + samples.green * share : light.green;
-    light.blue = seen ? light.blue + samples.blue * share : light.blue;
-    light.transmittance = seen ? (left > 0.0f ? left : FloatPack{}) : light.transmittance;
-}
 
 uint32_t ByteOf(float channel)
 {
@@ -89,114 +19,126 @@ uint32_t ByteOf(float channel)
     return channel < 255.0f ? uint32_t(channel) : 255u;
 }
 
-uint32_t PixelOf(const Light& light, int lane)
+uint32_t PixelOf(float transmittance, Quad colour)
 {
-    const float transmittance = light.transmittance[lane];
     const uint32_t coverage = transmittance < kOpaque ? 255u : ByteOf((1.0f - transmittance) * 255.0f);
-    return coverage | ByteOf(light.red[lane]) << 8 | ByteOf(light.green[lane]) << 16 | ByteOf(light.blue[lane]) << 24;
+    return coverage | ByteOf(colour[0]) << 8 | ByteOf(colour[1]) << 16 | ByteOf(colour[2]) << 24;
 }
 
-// Samples between these bounds have all their gradient's neighbours. Rays are clipped to them; rounding may carry a
-// long row of steps beyond.
-IntPack HaveNeighbours(const core::VolumeView& volume, const VectorPack& p)
-{
-    return (p.x >= 1.0f) & (p.x < float(volume.nx - 2)) & (p.y >= 1.0f) & (p.y < float(volume.ny - 2)) & (p.z >= 1.0f) &
-           (p.z < float(volume.nz - 2));
-}
-
-// The blend layers of a pack of rays, as they come up.
-class PendingLayers
+// A pack of rays on their way.
+class PackWalk
 {
 public:
-    PendingLayers(const RayBatch& rays, int first, int count) : rays_(rays), first_(first), count_(count)
+    PackWalk(const Scene& scene, const RayBatch& batch, int first)
+        : scene_(scene), batch_(batch), first_(first), rays_(LoadRays(batch, first, scene.inverseRelativeSpacing)),
+          exits_(rays_), place_(EntryOf(batch, first, scene.volume))
     {
-        for (int lane = 0; lane < count; ++lane)
-            Await(lane);
+        StoreQuads({rays_.step.x, rays_.step.y, rays_.step.z, rays_.stepLength}, steps_);
+        StoreFloats(rays_.exitDistance, exitDistances_);
+        for (int lane = 0; lane < kLanes && first + lane < batch.count; ++lane)
+        {
+            live_[lane] = batch.entryDistance[first + lane] < batch.exitDistance[first + lane] ? -1 : 0;
+            AwaitLayer(lane);
+        }
     }
 
-    // Composites the next layer of each wanted ray that has passed it.
-    void CompositePassed(IntPack wanted, FloatPack distance, Light& light)
+    bool IsLive() const { return Any(live_); }
+
+    // Brings every ray to its next cell.
+    void Visit() { sampled_ = VisitCells(scene_, rays_, exits_, place_, live_, stepCounts_); }
+
+    // Hands the places of the steps in visible cells to the queue.
+    void TakeSteps(const BatchLight& light, SampleQueue& queue)
     {
-        const IntPack due = wanted & (depth_ < distance);
-        if (!Any(due))
+        if (!Any(sampled_))
             return;
-        for (int lane = 0; lane < count_; ++lane)
-            if (due[lane])
-                CompositeNext(lane, light);
-    }
-
-    // Composites what is left: layers behind the last sample, and those of rays that miss the volume.
-    void CompositeRest(int lane, Light& light)
-    {
-        while (next_[lane] < rays_.layerCount[first_ + lane] && light.transmittance[lane] >= kOpaque)
-            CompositeNext(lane, light);
+        int32_t counts[kLanes];
+        StoreInts(stepCounts_, counts);
+        Quad standing[kLanes];
+        StoreQuads({place_.position.x, place_.position.y, place_.position.z, place_.distance}, standing);
+        for (uint32_t bits = BitsOf(sampled_); bits;)
+        {
+            const int lane = NextBit(bits);
+            standing[lane] = TakeSteps(lane, standing[lane], counts[lane], queue);
+        }
+        const QuadPack at = LoadQuads(standing);
+        place_.position = {at.x, at.y, at.z};
+        place_.distance = at.w;
+        live_ &= LoadFloats(light.transmittance + first_) >= kOpaque;
     }
 
 private:
-    void Await(int lane)
+    // A ray's steps are one addition each: x, y, z and the distance. A ray that has nothing more to see is set behind
+    // its exit.
+    Quad TakeSteps(int lane, Quad at, int count, SampleQueue& queue)
     {
+        const Quad step = steps_[lane];
+        const float exit = exitDistances_[lane];
         const int ray = first_ + lane;
-        depth_[lane] = next_[lane] < rays_.layerCount[ray] ? rays_.layers[ray][next_[lane]].depth : kNoLayer;
+        while (count-- > 0)
+        {
+            at += step;
+            if (at[3] > layerDepths_[lane])
+            {
+                queue.AddLayer(ray);
+                ++layersPassed_[lane];
+                AwaitLayer(lane);
+            }
+            if (!(at[3] <= exit) || queue.IsOpaque(ray))
+            {
+                at[3] = __builtin_inff();
+                break;
+            }
+            queue.Add(at, ray);
+        }
+        return at;
     }
 
-    void CompositeNext(int lane, Light& light)
+    void AwaitLayer(int lane)
     {
-        Composite(light, lane, rays_.layers[first_ + lane][next_[lane]++]);
-        Await(lane);
+        const int ray = first_ + lane, next = layersPassed_[lane];
+        layerDepths_[lane] = next < batch_.layerCount[ray] ? batch_.layers[ray][next].depth : kNoLayer;
     }
 
-    const RayBatch& rays_;
-    int first_, count_;
-    int next_[kLanes] = {};
-    FloatPack depth_ = FloatPack{} + kNoLayer;
+    const Scene& scene_;
+    const RayBatch& batch_;
+    int first_; // of the batch
+    RayPack rays_;
+    CellExits exits_;
+    PlacePack place_;
+    IntPack live_ = {}, sampled_ = {}, stepCounts_ = {};
+    Quad steps_[kLanes];
+    float exitDistances_[kLanes], layerDepths_[kLanes];
+    int layersPassed_[kLanes] = {};
 };
-
-// The rays of one pack, from `first` of the batch on.
-void IntegratePack(const Scene& scene, const RayBatch& batch, int first, uint32_t* pixels)
-{
-    const int count = batch.count - first < kLanes ? batch.count - first : kLanes;
-    const RayPack rays = LoadRays(batch, first, scene.inverseRelativeSpacing);
-    const VectorPack lightAxis = {LoadFloats(batch.lightX + first), LoadFloats(batch.lightY + first),
-                                  LoadFloats(batch.lightZ + first)};
-    PlacePack place = EntryOf(batch, first, scene.volume);
-    PendingLayers layers(batch, first, count);
-    Light light = {FloatPack{} + 1.0f, {}, {}, {}};
-    IntPack live = {}, steps = {};
-    for (int lane = 0; lane < count; ++lane)
-        live[lane] = place.distance[lane] < rays.exitDistance[lane] ? -1 : 0;
-
-    while (Any(live))
-    {
-        const IntPack asking = live & (steps <= 0);
-        if (Any(asking))
-            FindVisibleRuns(scene, rays, asking, place, steps, live);
-
-        place.distance += rays.stepLength;
-        layers.CompositePassed(live, place.distance, light);
-        live &= (light.transmittance >= kOpaque) & (place.distance <= rays.exitDistance);
-        Advance(rays, place);
-        steps -= 1;
-        const IntPack wanted = live & HaveNeighbours(scene.volume, place.position);
-        if (!Any(wanted))
-            continue;
-        // Lanes that are not wanted sample where every volume that rays enter has its neighbours.
-        const FloatPack somewhere = FloatPack{} + 1.0f;
-        CompositeSamples(scene, wanted, wanted ? place.position.x : somewhere, wanted ? place.position.y : somewhere,
-                         wanted ? place.position.z : somewhere, lightAxis, light);
-        live &= light.transmittance >= kOpaque;
-    }
-
-    for (int lane = 0; lane < count; ++lane)
-    {
-        layers.CompositeRest(lane, light);
-        pixels[first + lane] = PixelOf(light, lane);
-    }
-}
 } // namespace
 
-void IntegrateRays(const Scene& scene, const RayBatch& rays, uint32_t* pixels)
+void IntegrateRays(const Scene& scene, const RayBatch& batch, uint32_t* pixels)
 {
-    for (int first = 0; first < rays.count; first += kLanes)
-        IntegratePack(scene, rays, first, pixels);
+    BatchLight light = {};
+    for (int ray = 0; ray < batch.count; ++ray)
+    {
+        light.transmittance[ray] = 1.0f;
+        light.axis[ray] = Quad{batch.lightX[ray], batch.lightY[ray], batch.lightZ[ray], 0.0f};
+    }
+    SampleQueue queue(scene, batch, light);
+    // Two packs at a time: one computes while the other waits for its divisions and for memory.
+    for (int first = 0; first < batch.count; first += 2 * kLanes)
+    {
+        PackWalk one(scene, batch, first), other(scene, batch, first + kLanes);
+        while (one.IsLive() || other.IsLive())
+        {
+            one.Visit();
+            other.Visit();
+            one.TakeSteps(light, queue);
+            other.TakeSteps(light, queue);
+        }
+    }
+    queue.Flush();
+    for (int ray = 0; ray < batch.count; ++ray)
+    {
+        queue.CompositeRest(ray);
+        pixels[ray] = PixelOf(light.transmittance[ray], light.colour[ray]);
+    }
 }
 } // namespace corvane::KERNEL_ISA

@@ -29,7 +29,7 @@ struct BlendLayer
 };
 
 constexpr int kMostBlendLayers = 4;
-constexpr int kRaysPerBatch = 8; // a whole number of packs of every instruction set
+constexpr int kRaysPerBatch = 32; // a whole number of pairs of packs of every instruction set
 
 // A few rays, one array per number so that kernels load neighbours side by side. Places, directions and distances are
 // in voxel-index space.

@@ -6,39 +6,46 @@
 
 namespace corvane::KERNEL_ISA
 {
+// The 32 voxels that the differences at the eight voxels around places read, as pairs of neighbours in x. In slices k
+// and k + 1 rows j and j + 1 need four voxels each, from i - 1 on; the rows and slices beyond need the two in the
+// middle.
+struct NeighbourVoxels
+{
+    IntPack left[2][2], right[2][2]; // [slice][row]
+    IntPack above[2], below[2];      // [slice]
+    IntPack before[2], after[2];     // [row]
+};
+
+// i, j, k as for LoadCell, with one more voxel on every side.
+inline NeighbourVoxels LoadNeighbours(const core::VolumeView& volume, IntPack i, IntPack j, IntPack k)
+{
+    NeighbourVoxels voxels;
+    const int64_t nx = volume.nx;
+    for (int slice = 0; slice < 2; ++slice)
+    {
+        const VoxelPointers pointers(volume, i, j, k, slice);
+        for (int row = 0; row < 2; ++row)
+            pointers.TwoPairsAt(row * nx - 1, voxels.left[slice][row], voxels.right[slice][row]);
+        voxels.above[slice] = pointers.PairsAt(-nx);
+        voxels.below[slice] = pointers.PairsAt(2 * nx);
+    }
+    const VoxelPointers before(volume, i, j, k, -1), after(volume, i, j, k, 2);
+    for (int row = 0; row < 2; ++row)
+    {
+        voxels.before[row] = before.PairsAt(row * nx);
+        voxels.after[row] = after.PairsAt(row * nx);
+    }
+    return voxels;
+}
+
 // Gradient between voxels: central differences at the eight neighbours, interpolated as values are. Twice its true
-// length; only its direction is used. x, y, z as for
-// SampleTrilinear, with one more voxel on every side.
+// length; only its direction is used. x, y, z as for SampleTrilinear, with one more voxel on every side.
 inline VectorPack SampleGradient(const core::VolumeView& volume, FloatPack x, FloatPack y, FloatPack z)
 {
     const IntPack i = ToInt(x), j = ToInt(y), k = ToInt(z);
     const FloatPack u = x - ToFloat(i), v = y - ToFloat(j), w = z - ToFloat(k);
-
-    // The 32 voxels that the eight neighbours' differences read, as pairs of neighbours in x. In slices k and k + 1
-    // rows j and j + 1 need four voxels each, from i - 1 on; the rows and slices beyond need the two in the middle.
-    IntPack left[2][2], right[2][2], above[2], below[2], before[2], after[2];
-    const int64_t nx = volume.nx;
-    for (int lane = 0; lane < kLanes; ++lane)
-    {
-        const int64_t offset = int64_t(j[lane]) * nx + i[lane];
-        const int16_t* const* slices = volume.slices + k[lane];
-        for (int slice = 0; slice < 2; ++slice)
-        {
-            const int16_t* voxel = slices[slice] + offset;
-            for (int row = 0; row < 2; ++row)
-            {
-                left[slice][row][lane] = LoadPair(voxel + row * nx - 1);
-                right[slice][row][lane] = LoadPair(voxel + row * nx + 1);
-            }
-            above[slice][lane] = LoadPair(voxel - nx);
-            below[slice][lane] = LoadPair(voxel + 2 * nx);
-        }
-        for (int row = 0; row < 2; ++row)
-        {
-            before[row][lane] = LoadPair(slices[-1] + offset + row * nx);
-            after[row][lane] = LoadPair(slices[2] + offset + row * nx);
-        }
-    }
+    const NeighbourVoxels voxels = LoadNeighbours(volume, i, j, k);
+    const auto& [left, right, above, below, before, after] = voxels;
 
     // Values at the neighbours themselves, [slice][row] and first or second in x.
     FloatPack first[2][2], second[2][2];
@@ -85,9 +92,11 @@ inline FloatPack Facing(const render3d::Scene& scene, VectorPack gradient, Vecto
     return Abs(nx / length * light.x + ny / length * light.y + nz / length * light.z);
 }
 
-// The 96th power, by squaring.
+// The 96th power of numbers from 0 to 1, by squaring. What would be too small for a normal number is 0: processors are
+// slow at such numbers, and no pixel shows them.
 inline FloatPack Power96(FloatPack a)
 {
+    a = a < 0.4f ? FloatPack{} : a;
     const FloatPack a2 = a * a, a4 = a2 * a2, a8 = a4 * a4, a16 = a8 * a8, a32 = a16 * a16;
     return a32 * a32 * a32;
 }

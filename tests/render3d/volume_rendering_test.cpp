@@ -122,6 +122,31 @@ TEST(VolumeRendering, EveryWidthFillsItsPacksWithTheSamePixels)
 }
 
 // Pixels lie at whole millimetres, so that a part of the image starts exactly where the whole has that pixel.
+TEST(VolumeRendering, HowSlicesLieInMemoryDoesNotShow)
+{
+    Random random(11);
+    Scene scene = RandomScene(random, 20, 24);
+    const TestImage expected = DrawnPlainly(scene, RandomImagePlane(random, scene.volume.data));
+    const size_t depth = size_t(scene.volume.data.sizeZ), length = scene.volume.voxels[0].size();
+    // One after another, with gaps between them, last slice first, and with one slice out of its turn.
+    for (int layout = 0; layout < 4; ++layout)
+    {
+        SCOPED_TRACE(layout);
+        const size_t stride = layout == 1 ? length + 7 : length;
+        std::vector<int16_t> buffer(stride * depth);
+        std::vector<const int16_t*> slices(depth);
+        for (size_t k = 0; k < depth; ++k)
+        {
+            const size_t swapped = layout == 3 && k < 2 ? 1 - k : k;
+            int16_t* slice = buffer.data() + stride * (layout == 2 ? depth - 1 - k : swapped);
+            std::copy(scene.volume.voxels[k].begin(), scene.volume.voxels[k].end(), slice);
+            slices[k] = slice;
+        }
+        scene.volume.data.slices = slices.data();
+        ExpectFromAllKernels(scene, expected);
+    }
+}
+
 TEST(VolumeRendering, APartOfAnImageHasThePixelsOfTheWhole)
 {
     Scene scene;
