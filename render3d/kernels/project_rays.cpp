@@ -14,12 +14,36 @@ constexpr int32_t kBackground = -1024;
 constexpr int32_t kLeastAveraged = -1248; // what lies below is padding outside a scanner's field of view
 constexpr float kCoarseSteps = 10.0f;
 
+// Calls run(from, to) for pieces of rows that make up the pixels [first, end): strip after strip of columns, each from
+// the first row to the last, because the rays of neighbouring rows meet the same voxels while those are in the caches.
+template <class Run>
+void InStrips(int64_t columns, int64_t first, int64_t end, const Run& run)
+{
+    constexpr int64_t kStrip = 32; // pixels
+    const int64_t firstRow = first / columns, endRow = (end + columns - 1) / columns;
+    for (int64_t left = 0; left < columns; left += kStrip)
+    {
+        const int64_t right = left + kStrip < columns ? left + kStrip : columns;
+        for (int64_t row = firstRow; row < endRow; ++row)
+        {
+            const int64_t from = row * columns + left, to = row * columns + right;
+            run(from > first ? from : first, to < end ? to : end);
+        }
+    }
+}
+
+typedef int16_t PairPack __attribute__((vector_size(4 * KERNEL_LANES))); // two neighbouring voxels for each lane
+
 // What makes a projection of the highest values, and of the lowest. `Improves` is never true for an equal value, `Can`
 // is: a cell that only reaches the best value so far is still walked step by step.
 struct Highest
 {
     static constexpr int32_t kStart = kBackground;
-    static IntPack Improves(IntPack value, IntPack best) { return value > best; }
+    template <class Pack>
+    static Pack Improves(Pack value, Pack best)
+    {
+        return value > best;
+    }
     static IntPack Can(IntPack extreme, IntPack best) { return extreme >= best; }
     static int32_t Extreme(const core::BlockNode& node) { return node.max; }
     static int32_t Extreme(const ParallelRays& rays) { return rays.highest; }
@@ -28,7 +52,11 @@ struct Highest
 struct Lowest
 {
     static constexpr int32_t kStart = INT16_MAX;
-    static IntPack Improves(IntPack value, IntPack best) { return value < best; }
+    template <class Pack>
+    static Pack Improves(Pack value, Pack best)
+    {
+        return value < best;
+    }
     static IntPack Can(IntPack extreme, IntPack best) { return extreme <= best; }
     static int32_t Extreme(const core::BlockNode& node) { return node.min; }
     static int32_t Extreme(const ParallelRays& rays) { return rays.lowest; }
@@ -133,14 +161,10 @@ IntPack SampleBest(const Scene& scene, IntPack wanted, const VectorPack& p, IntP
     const FloatPack x = wanted ? p.x : somewhere, y = wanted ? p.y : somewhere, z = wanted ? p.z : somewhere;
     const IntPack i = ToInt(x), j = ToInt(y), k = ToInt(z);
     const CellVoxels cell = LoadCell(scene.volume, i, j, k);
-    IntPack extreme = best;
-    const IntPack rows[] = {cell.near0, cell.near1, cell.far0, cell.far1};
-    for (const IntPack pairs : rows)
-    {
-        extreme = Better<Kind>((pairs << 16) >> 16, extreme);
-        extreme = Better<Kind>(pairs >> 16, extreme);
-    }
-    wanted &= Kind::Improves(extreme, best);
+    const PairPack bound = PairPack((best & 0xFFFF) | (best << 16));
+    const PairPack better = Kind::Improves(PairPack(cell.near0), bound) | Kind::Improves(PairPack(cell.near1), bound) |
+                            Kind::Improves(PairPack(cell.far0), bound) | Kind::Improves(PairPack(cell.far1), bound);
+    wanted &= IntPack(better) != 0;
     if (!Any(wanted))
         return best;
     const FloatPack value = Interpolate(cell, x - ToFloat(i), y - ToFloat(j), z - ToFloat(k));
@@ -209,13 +233,18 @@ IntPack BestOfPack(const Scene& scene, const ParallelRays& rays, const ParallelP
 template <class Kind>
 void ProjectBest(const Scene& scene, const ParallelRays& rays, int64_t first, int64_t end, int16_t* values)
 {
-    for (; first < end; first += kLanes)
-    {
-        const ParallelPack pack = RaysFrom(scene, rays, first, end);
-        const IntPack best = Any(pack.live) ? BestOfPack<Kind>(scene, rays, pack) : IntPack{} + Kind::kStart;
-        for (int lane = 0; lane < kLanes && first + lane < end; ++lane)
-            values[first + lane] = int16_t(best[lane]);
-    }
+    InStrips(rays.columns, first, end,
+             [&](int64_t from, int64_t to)
+             {
+                 for (; from < to; from += kLanes)
+                 {
+                     const ParallelPack pack = RaysFrom(scene, rays, from, to);
+                     const IntPack best =
+                         Any(pack.live) ? BestOfPack<Kind>(scene, rays, pack) : IntPack{} + Kind::kStart;
+                     for (int lane = 0; lane < kLanes && from + lane < to; ++lane)
+                         values[from + lane] = int16_t(best[lane]);
+                 }
+             });
 }
 
 // The sums and the number of the values that count.
@@ -270,15 +299,20 @@ void ProjectMinimum(const Scene& scene, const ParallelRays& rays, int64_t first,
 
 void ProjectAverage(const Scene& scene, const ParallelRays& rays, int64_t first, int64_t end, int16_t* values)
 {
-    for (; first < end; first += kLanes)
-    {
-        const ParallelPack pack = RaysFrom(scene, rays, first, end);
-        const Sums total = SumsOfPack(scene, rays, pack);
-        for (int lane = 0; lane < kLanes && first + lane < end; ++lane)
-        {
-            const int64_t mean = total.counts[lane] > 0 ? total.sums[lane] / total.counts[lane] : kBackground;
-            values[first + lane] = int16_t(mean < kBackground ? kBackground : mean);
-        }
-    }
+    InStrips(rays.columns, first, end,
+             [&](int64_t from, int64_t to)
+             {
+                 for (; from < to; from += kLanes)
+                 {
+                     const ParallelPack pack = RaysFrom(scene, rays, from, to);
+                     const Sums total = SumsOfPack(scene, rays, pack);
+                     for (int lane = 0; lane < kLanes && from + lane < to; ++lane)
+                     {
+                         const int64_t mean =
+                             total.counts[lane] > 0 ? total.sums[lane] / total.counts[lane] : kBackground;
+                         values[from + lane] = int16_t(mean < kBackground ? kBackground : mean);
+                     }
+                 }
+             });
 }
 } // namespace corvane::KERNEL_ISA
