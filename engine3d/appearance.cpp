@@ -3,6 +3,7 @@
 #include "core/guarded.h"
 
 #include <algorithm>
+#include <utility>
 
 // The transfer function of label 0 and what is said of single labels.
 
@@ -41,17 +42,18 @@ bool Engine3D::AdjustColor(int shift)
 {
     if (!state_)
         return false;
+    const auto shifted = [&]
+    {
+        state_->tables.Shift(shift);
+        return true;
+    };
+    if (!Guarded(shifted))
+        return false;
     KsPalette& palette = state_->palette.Record();
     std::for_each_n(palette.points, palette.pointCount,
                     [shift](KsPalettePoint& point) { point.value = int16_t(uint32_t(point.value) + uint32_t(shift)); });
-    const bool shifted = Guarded(
-        [&]
-        {
-            state_->tables.Shift(shift);
-            return true;
-        });
     state_->ForwardPalette();
-    return shifted;
+    return true;
 }
 
 bool Engine3D::SetShading(float ambient, float diffuse, float specular, int label)
@@ -88,11 +90,15 @@ bool Engine3D::SetVisible(bool visible, int label)
     return true;
 }
 
-// Keeps a palette and makes a label's tables from it; the caller tells the renderers. Throws what the allocator throws.
+// Keeps a palette and makes a label's tables from it; the caller tells the renderers. Throws what the allocator throws,
+// with nothing changed.
 bool Engine3D::UpateVolumePalette(const KsPalette& palette, int label)
 {
     if (PointCount(palette) < 2)
         return false;
-    CopyPalette(state_->palette.Record(), palette);
-    return state_->tables.Build(palette, label);
+    PaletteRecord kept;
+    CopyPalette(kept.Record(), palette);
+    const bool built = state_->tables.Build(palette, label);
+    std::swap(state_->palette.Record(), kept.Record());
+    return built;
 }

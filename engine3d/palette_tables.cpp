@@ -58,14 +58,28 @@ bool PaletteTables::Build(const KsPalette& palette, int label)
 
 void PaletteTables::Shift(int shift)
 {
-    for (VolumePaletteEntry* entry : records_.entries)
+    // The sums are those of shifted copies, made before anything changes.
+    VolumePaletteEntry shifted[64];
+    VolumePalette records = records_;
+    for (int label = 0; label < 64; ++label)
     {
-        if (!entry || !entry->visible)
+        if (!records_.entries[label])
             continue;
-        entry->rangeStart = Shifted(entry->rangeStart, shift);
-        entry->rangeEnd = Shifted(entry->rangeEnd, shift);
+        shifted[label] = *records_.entries[label];
+        records.entries[label] = &shifted[label];
+        if (!shifted[label].visible)
+            continue;
+        shifted[label].rangeStart = Shifted(shifted[label].rangeStart, shift);
+        shifted[label].rangeEnd = Shifted(shifted[label].rangeEnd, shift);
     }
-    sums_ = AddUp(records_);
+    sums_ = AddUp(records);
+    for (int label = 0; label < 64; ++label)
+    {
+        if (records.entries[label])
+            *records_.entries[label] = shifted[label];
+        records.entries[label] = records_.entries[label];
+    }
+    records_ = records;
 }
 
 void PaletteTables::Clear()

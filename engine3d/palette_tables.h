@@ -29,7 +29,7 @@ public:
     bool Build(const KsPalette& palette, int label);
 
     // Slides the entries of all visible labels along the stored values and adds up the opacities anew. Ranges stop at
-    // the limits of their integers.
+    // the limits of their integers. Throws what the allocator throws, with nothing changed.
     void Shift(int shift);
 
     void Clear();
