@@ -27,6 +27,8 @@ PaletteTables::PaletteTables(const std::map<int, Palette>& byLabel)
         records_.entries[label] = &table.entry;
     }
     AddUp();
+    if (byLabel.size() == 1 && byLabel.begin()->first == 0)
+        only_ = byLabel.begin()->second;
 }
 
 void PaletteTables::Fill(Table& table, const Palette& palette)

@@ -4,7 +4,7 @@
 #include "transfer_function.h"
 
 #include <map>
-#include <memory>
+#include <optional>
 
 namespace corvane::host
 {
@@ -21,6 +21,9 @@ public:
 
     const VolumePalette& Records() const { return records_; }
 
+    // The palette of label 0 when no other label has one; else null.
+    const Palette* OnlyPalette() const { return only_ ? &*only_ : nullptr; }
+
 private:
     struct Table
     {
@@ -35,6 +38,7 @@ private:
     std::map<int, Table> tables_;
     std::vector<float> sums_;
     VolumePalette records_ = {};
+    std::optional<Palette> only_;
 };
 } // namespace corvane::host
 

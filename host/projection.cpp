@@ -1,17 +1,14 @@
 #include "projection.h"
 
-#include <algorithm>
-
 #include "error.h"
 #include "plane.h"
 #include "quiet_output.h"
-#include "view.h"
 
 namespace corvane::host
 {
 namespace
 {
-constexpr double kClearance = 1; // mm by which rays start before the volume
+constexpr uint8_t kCutAway = 64; // the one bit of a label that matters to projections
 
 void Require(bool done)
 {
@@ -19,14 +16,10 @@ void Require(bool done)
         throw Error(ErrorKind::Computation, "the library refuses this projection; memory may be short");
 }
 
-Vec3 NormalOf(const PnImageParam& plane) { return Unit(Cross(RowDirection(plane), ColumnDirection(plane))); }
-
-// An image whose rays start `distance` mm behind the plane.
-//   start  receives the plane on which they start
-ProjectedImage EmptyImage(const PnImageParam& plane, double distance, PnImageParam& start)
+// The picture's plane, moved along the line of sight.
+PnImageParam Through(Vec3 point, const PnImageParam& plane, Vec3 direction)
 {
-    start = Shifted(plane, NormalOf(plane), distance);
-    return {plane, std::vector<int16_t>(size_t(plane.rows) * plane.columns)};
+    return Shifted(plane, direction, Dot(point - FirstPixel(plane), direction));
 }
 } // namespace
 
@@ -40,48 +33,50 @@ KsImageData ProjectedImage::Record()
     return record;
 }
 
-Projector::Projector(const VolumeView& volume)
-    : grid_(volume.PaddedGrid()), shown_{0, 1, 2, noColour_, noOpacity_, 1.0f, 1, {}}
+Projector::Projector(const VolumeView& volume) : scene_(volume, kCutAway) { tables_.entries[0] = &shown_; }
+
+PnImageParam Projector::PlaneOf(const Framing& framing)
 {
-    // A label takes part when it has a table; what stands in the table does not matter here.
-    VolumePalette palette = {};
-    for (int label = 0; label < 64; ++label)
-        palette.entries[label] = &shown_;
-    Require(renderer_.InitData(volume.Data(), volume.Labels(), palette));
+    return Through(framing.middle.value_or(scene_.Middle()), scene_.Aim(framing), framing.view.direction);
 }
 
-void Projector::SetVisibleBox(const PatientBox& box)
+ProjectedImage Projector::ThroughVolume(Projection projection, const Framing& framing)
 {
-    const float from[3] = {float(box.from.x), float(box.from.y), float(box.from.z)};
-    const float to[3] = {float(box.to.x), float(box.to.y), float(box.to.z)};
-    Require(renderer_.SetVisibleBox(from, to));
-}
-
-ProjectedImage Projector::ThroughVolume(Projection projection, const PnImageParam& plane)
-{
-    double nearest = 0;
-    for (const Vec3& corner : CornersOf(grid_))
-        nearest = std::min(nearest, Dot(corner - FirstPixel(plane), NormalOf(plane)));
-    PnImageParam start;
-    ProjectedImage image = EmptyImage(plane, nearest - kClearance, start);
-    KsImageVAL record = {image.values.data(), start};
+    ProjectedImage image = {PlaneOf(framing), std::vector<int16_t>(size_t(framing.rows) * framing.columns)};
+    KsImageVAL record = {image.values.data(), scene_.Aim(framing)};
+    const int rows = int(framing.rows), columns = int(framing.columns);
     const QuietOutput quiet;
-    Require(projection == Projection::Maximum   ? renderer_.ImagingMIP(&record)
-            : projection == Projection::Average ? renderer_.ImagingAIP(&record)
-                                                : renderer_.ImagingMinIP(&record));
+    if (framing.middle)
+    {
+        Render3D& renderer = scene_.RendererBeside(tables_);
+        Require(projection == Projection::Maximum   ? renderer.ImagingMIP(&record)
+                : projection == Projection::Average ? renderer.ImagingAIP(&record)
+                                                    : renderer.ImagingMinIP(&record));
+    }
+    else
+    {
+        Engine3D& engine = scene_.Engine();
+        Require(projection == Projection::Maximum ? engine.ImagingMIP(rows, columns, record.values, false, &record)
+                : projection == Projection::Average
+                    ? engine.ImagingAIP(rows, columns, record.values, false, &record)
+                    : engine.ImagingMinIP(rows, columns, record.values, false, &record));
+    }
     return image;
 }
 
 ProjectedImage Projector::ThroughSlab(Projection projection, const PnImageParam& plane, double thickness)
 {
-    PnImageParam start;
-    ProjectedImage image = EmptyImage(plane, -0.5 * thickness, start);
-    KsImageVAL record = {image.values.data(), start};
+    KsImageData record = {};
     const float depth = float(thickness);
+    Engine3D& engine = scene_.Engine();
     const QuietOutput quiet;
-    Require(projection == Projection::Maximum   ? renderer_.ImagingMIP(&record, depth)
-            : projection == Projection::Average ? renderer_.ImagingAIP(&record, depth)
-                                                : renderer_.ImagingMinIP(&record, depth));
+    const bool done = projection == Projection::Maximum   ? engine.ImagingMIP(plane, depth, &record)
+                      : projection == Projection::Average ? engine.ImagingAIP(plane, depth, &record)
+                                                          : engine.ImagingMinIP(plane, depth, &record);
+    ProjectedImage image = {plane, std::vector<int16_t>(record.values, record.values + record.valueCount)};
+    if (record.ownsValues)
+        delete[] record.values;
+    Require(done);
     return image;
 }
 } // namespace corvane::host

@@ -9,25 +9,7 @@ namespace corvane::host
 {
 namespace
 {
-constexpr double kMargin = 1.04;  // the picture is that much larger than what is seen
-constexpr double kDistance = 1.2; // of the image plane from the middle, in diagonals of what is seen
-
-struct Box
-{
-    Vec3 middle;
-    double diagonal;
-};
-
-Box BoxAround(const Corners& corners)
-{
-    Vec3 low = corners.front(), high = low;
-    for (const Vec3& corner : corners)
-    {
-        low = {std::min(low.x, corner.x), std::min(low.y, corner.y), std::min(low.z, corner.z)};
-        high = {std::max(high.x, corner.x), std::max(high.y, corner.y), std::max(high.z, corner.z)};
-    }
-    return {0.5 * (low + high), Length(high - low)};
-}
+constexpr double kMargin = 1.04; // the picture is that much larger than what is seen
 
 // Turns a vector about a unit axis, counter-clockwise when the axis points at the viewer (Rodrigues).
 Vec3 Rotated(Vec3 vector, Vec3 axis, double degrees)
@@ -35,13 +17,6 @@ Vec3 Rotated(Vec3 vector, Vec3 axis, double degrees)
     const double angle = degrees * std::numbers::pi / 180;
     return std::cos(angle) * vector + std::sin(angle) * Cross(axis, vector) +
            ((1 - std::cos(angle)) * Dot(axis, vector)) * axis;
-}
-
-void Store(Vec3 vector, double (&numbers)[3])
-{
-    numbers[0] = vector.x;
-    numbers[1] = vector.y;
-    numbers[2] = vector.z;
 }
 } // namespace
 
@@ -94,30 +69,25 @@ Corners CornersOf(const Grid& grid)
     return CornersOf(grid, {0, 0, 0}, {grid.sizeX - 1.0, grid.sizeY - 1.0, grid.sizeZ - 1.0});
 }
 
+Vec3 MiddleOf(const Corners& corners)
+{
+    Vec3 low = corners.front(), high = low;
+    for (const Vec3& corner : corners)
+    {
+        low = {std::min(low.x, corner.x), std::min(low.y, corner.y), std::min(low.z, corner.z)};
+        high = {std::max(high.x, corner.x), std::max(high.y, corner.y), std::max(high.z, corner.z)};
+    }
+    return 0.5 * (low + high);
+}
+
 double FittingPixelSize(const std::vector<View>& views, const Corners& corners, uint32_t rows, uint32_t columns)
 {
-    const Vec3 middle = BoxAround(corners).middle;
+    const Vec3 middle = MiddleOf(corners);
     double size = 0;
     for (const View& view : views)
         for (const Vec3& corner : corners)
             size = std::max({size, 2 * std::fabs(Dot(corner - middle, RightOf(view))) / columns,
                              2 * std::fabs(Dot(corner - middle, DownOf(view))) / rows});
     return size * kMargin;
-}
-
-PnImageParam ViewPlaneOf(const View& view, const Corners& corners, uint32_t rows, uint32_t columns, double pixelSize)
-{
-    const Box box = BoxAround(corners);
-    const Vec3 right = RightOf(view), down = DownOf(view);
-    PnImageParam plane = {};
-    plane.rows = rows;
-    plane.columns = columns;
-    plane.rowSpacing = plane.columnSpacing = pixelSize;
-    Store(right, plane.rowDirection);
-    Store(down, plane.columnDirection);
-    Store(box.middle - kDistance * box.diagonal * view.direction - (0.5 * (columns - 1.0) * pixelSize) * right -
-              (0.5 * (rows - 1.0) * pixelSize) * down,
-          plane.position);
-    return plane;
 }
 } // namespace corvane::host

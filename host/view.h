@@ -35,11 +35,12 @@ using Corners = std::vector<Vec3>;
 Corners CornersOf(const Grid& grid);
 Corners CornersOf(const Grid& grid, Vec3 low, Vec3 high);
 
-// The largest size of pixels, mm, with which the corners fit a picture from each of the views, with a narrow margin.
-double FittingPixelSize(const std::vector<View>& views, const Corners& corners, uint32_t rows, uint32_t columns);
+// The middle of the box around them.
+Vec3 MiddleOf(const Corners& corners);
 
-// The image plane of a view with the corners' middle in its middle, so far before them that rays start outside.
-PnImageParam ViewPlaneOf(const View& view, const Corners& corners, uint32_t rows, uint32_t columns, double pixelSize);
+// The largest size of pixels, mm, with which the corners fit a picture from each of the views, with a narrow margin
+// and their middle in its own.
+double FittingPixelSize(const std::vector<View>& views, const Corners& corners, uint32_t rows, uint32_t columns);
 } // namespace corvane::host
 
 #endif

@@ -1,46 +1,54 @@
 #ifndef CORVANE_HOST_VIEW_RENDERING_H
 #define CORVANE_HOST_VIEW_RENDERING_H
 
-#include "corvane/Render3D.h"
 #include "palette_tables.h"
 #include "picture.h"
+#include "scene.h"
+#include "view_path.h"
 
 #include <vector>
 
 namespace corvane::host
 {
-// What the renderer draws: one pixel each, with colour and coverage.
+// What the library draws: one pixel each, with colour and coverage.
 struct RenderedImage
 {
     PnImageParam plane;
     std::vector<uint32_t> pixels;
 };
 
-// A box along the axes of patient space, from one corner to the opposite one, mm.
-struct PatientBox
-{
-    Vec3 from, to;
-};
-
 // Renders one volume. Volume and tables must live as long as this does. What the library prints on its own does not
 // reach standard output. All throw Error (Computation) for what the library refuses.
+//
+// The engine draws when the palette is label 0's alone and, for looks from outside, the picture has the volume's middle
+// in its own. Palettes for other labels and pictures with another middle, those of a crop, are drawn beside the engine,
+// on the plane of its camera. Both give the same pixels.
 class ViewRenderer
 {
 public:
     ViewRenderer(const VolumeView& volume, const PaletteTables& tables);
 
-    // Shows only what lies in the box.
-    void SetVisibleBox(const PatientBox& box);
+    // For what only the engine does, such as cutting. Call UpdateLabels after a change of its labels.
+    Engine3D& Engine() { return scene_.Engine(); }
+    void UpdateLabels() { scene_.UpdateLabels(); }
 
-    // Along parallel rays through a plane that stands before the volume.
+    // Shows only what lies in the box.
+    void SetVisibleBox(const PatientBox& box) { scene_.SetVisibleBox(box); }
+
+    // The image plane of a picture; the engine's camera is left there.
+    PnImageParam PlaneOf(const Framing& framing) { return scene_.Aim(framing); }
+
+    // Along parallel rays.
     //   blends  planes to be shown as well; at most four, their pixels as many as the picture's
-    RenderedImage Render(const PnImageParam& plane, std::vector<KsBlendImage> blends = {});
+    RenderedImage Render(const Framing& framing, std::vector<KsBlendImage> blends = {});
 
     // From a point inside.
-    RenderedImage RenderInside(const KsViewPoint& view, double fieldOfViewDegrees, uint32_t rows, uint32_t columns);
+    RenderedImage RenderInside(const InsideView& view, double fieldOfViewDegrees, uint32_t rows, uint32_t columns);
 
 private:
-    Render3D renderer_;
+    const VolumeView& volume_;
+    const PaletteTables& tables_;
+    Scene scene_;
 };
 
 struct Rgb

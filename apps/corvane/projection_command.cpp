@@ -62,31 +62,25 @@ struct Task
     std::string format;
     std::optional<double> thickness; // of slabs
     Crop crop;
+    std::vector<host::Framing> framings;  // of the whole volume
     std::vector<PlannedPicture> pictures; // on the plane in the middle of what is projected
 };
 
-// The pictures of the whole volume: their planes go through the middle of what is shown.
-std::vector<PlannedPicture> PlanViews(const Task& task)
+// The pictures of the whole volume.
+std::vector<PlannedPicture> PlanViews(const Task& task, host::Projector& projector)
 {
-    const VrOptions options = ViewOptionsOf(task.options);
-    const std::vector<host::View> views = ViewsOf(options);
-    const PictureSize size = SizeOf(options);
-    const host::Corners& corners = task.crop.corners;
-    const double pixelSize = host::FittingPixelSize(views, corners, size.rows, size.columns) / ZoomOf(options);
     std::vector<PlannedPicture> pictures;
-    for (size_t n = 0; n < views.size(); ++n)
+    for (const host::Framing& framing : task.framings)
     {
-        const Vec3 normal = views[n].direction;
-        const PnImageParam plane = host::ViewPlaneOf(views[n], corners, size.rows, size.columns, pixelSize);
+        const Vec3 normal = framing.view.direction;
         double nearest = INFINITY, farthest = -INFINITY;
-        for (const Vec3& corner : corners)
+        for (const Vec3& corner : task.crop.corners)
         {
-            const double depth = Dot(corner - host::FirstPixel(plane), normal);
-            nearest = std::min(nearest, depth);
-            farthest = std::max(farthest, depth);
+            nearest = std::min(nearest, Dot(corner, normal));
+            farthest = std::max(farthest, Dot(corner, normal));
         }
-        pictures.push_back({task.kind.name, int(n) + 1, int(views.size()), 0, farthest - nearest, normal,
-                            host::Shifted(plane, normal, 0.5 * (nearest + farthest))});
+        pictures.push_back({task.kind.name, int(pictures.size()) + 1, int(task.framings.size()), 0, farthest - nearest,
+                            normal, projector.PlaneOf(framing)});
     }
     return pictures;
 }
@@ -126,10 +120,10 @@ std::vector<std::string> WarningsOf(const Task& task, const host::Volume& volume
     return warnings;
 }
 
-host::ProjectedImage Project(host::Projector& projector, const Task& task, const PlannedPicture& planned)
+host::ProjectedImage Project(host::Projector& projector, const Task& task, size_t picture)
 {
-    return task.thickness ? projector.ThroughSlab(task.kind.projection, planned.param, *task.thickness)
-                          : projector.ThroughVolume(task.kind.projection, planned.param);
+    return task.thickness ? projector.ThroughSlab(task.kind.projection, task.pictures[picture].param, *task.thickness)
+                          : projector.ThroughVolume(task.kind.projection, task.framings[picture]);
 }
 
 std::string FileOf(const Task& task, const PlannedPicture& planned, host::ProjectedImage& image,
@@ -161,7 +155,7 @@ host::Window ChooseWindow(const Task& task, host::Projector& projector, const ho
 {
     if (const auto window = WindowOf(task.options, task.kind.projection, volume))
         return *window;
-    const host::ProjectedImage middle = Project(projector, task, task.pictures[task.pictures.size() / 2]);
+    const host::ProjectedImage middle = Project(projector, task, task.pictures.size() / 2);
     return host::WindowOfProjection(middle, host::EmptyPixels(middle, space), volume);
 }
 
@@ -177,7 +171,7 @@ void CheckFormat(const Task& task)
 void RunProjection(const Kind& kind, const ProjectionOptions& options)
 {
     const MprOptions& common = options.planes;
-    Task task = {kind, options, FormatOf(common.format, common.output), ThicknessOf(options), {}, {}};
+    Task task = {kind, options, FormatOf(common.format, common.output), ThicknessOf(options), {}, {}, {}};
     CheckFormat(task);
     const std::set<int> hidden = HiddenLabelsOf(options);
     const int margin = HideMarginOf(options);
@@ -191,11 +185,14 @@ void RunProjection(const Kind& kind, const ProjectionOptions& options)
     PrintWarnings(warnings);
 
     host::HideLabels(volume, hidden, margin);
-    task.crop = CropOf(ViewOptionsOf(options), volume);
+    const VrOptions viewOptions = ViewOptionsOf(options);
+    task.crop = CropOf(viewOptions, volume);
+    if (!task.thickness)
+        task.framings = FramingsOf(ViewsOf(viewOptions), task.crop, SizeOf(viewOptions), ZoomOf(viewOptions));
     const host::VolumeView view(volume, PaddingOf(common.pad, volume.grid));
-    task.pictures = task.thickness ? PlanSlabs(task, view, volume.grid) : PlanViews(task);
-    PictureFiles files(NameOutputs(common.output, task.format, task.pictures), common.force);
     host::Projector projector(view);
+    task.pictures = task.thickness ? PlanSlabs(task, view, volume.grid) : PlanViews(task, projector);
+    PictureFiles files(NameOutputs(common.output, task.format, task.pictures), common.force);
     if (task.crop.box)
         projector.SetVisibleBox(*task.crop.box);
     const host::ProjectedSpace space = {view.PaddedGrid(), task.thickness, task.crop.box,
@@ -210,7 +207,7 @@ void RunProjection(const Kind& kind, const ProjectionOptions& options)
     for (size_t n = 0; n < task.pictures.size(); ++n)
     {
         const PlannedPicture& planned = task.pictures[n];
-        host::ProjectedImage image = Project(projector, task, planned);
+        host::ProjectedImage image = Project(projector, task, n);
         files.Write(n, FileOf(task, planned, image, volume, space, window));
         progress.Show(int(n) + 1);
         list.push_back(GeometryOf(planned, files.Name(n), common.ras));

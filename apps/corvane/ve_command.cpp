@@ -21,21 +21,6 @@ using host::Error;
 using host::ErrorKind;
 using host::Vec3;
 
-KsViewPoint RecordOf(const host::InsideView& view)
-{
-    const auto store = [](Vec3 vector, float(&numbers)[3])
-    {
-        numbers[0] = float(vector.x);
-        numbers[1] = float(vector.y);
-        numbers[2] = float(vector.z);
-    };
-    KsViewPoint record = {};
-    store(view.eye, record.eye);
-    store(view.direction, record.direction);
-    store(view.up, record.up);
-    return record;
-}
-
 // The voxel in which a point lies. Throws Error (Usage) for a point outside.
 size_t VoxelAt(const host::Grid& grid, Vec3 point, bool ras)
 {
@@ -106,8 +91,7 @@ void RunVe(const VeOptions& options)
     Progress progress(int(views.size()));
     for (size_t n = 0; n < views.size(); ++n)
     {
-        const host::RenderedImage image =
-            renderer.RenderInside(RecordOf(views[n]), fieldOfView, size.rows, size.columns);
+        const host::RenderedImage image = renderer.RenderInside(views[n], fieldOfView, size.rows, size.columns);
         const std::string file = files.Add(host::PictureOf(image, BackgroundOf(options), false));
         progress.Show(int(n) + 1);
         list.push_back(GeometryOf(file, views[n], image.plane, options.ras));

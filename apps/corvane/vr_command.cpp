@@ -65,18 +65,18 @@ private:
     std::vector<PlannedPicture> planes_;
 };
 
-host::RenderedImage Render(host::ViewRenderer& renderer, const Sections& sections, const PnImageParam& plane)
+host::RenderedImage Render(host::ViewRenderer& renderer, const Sections& sections, const host::Framing& framing)
 {
-    const std::vector<host::SeenPlane> seen = sections.SeenIn(plane);
+    const std::vector<host::SeenPlane> seen = sections.SeenIn(renderer.PlaneOf(framing));
     std::vector<KsBlendImage> records;
     for (const host::SeenPlane& one : seen)
         records.push_back(one.record);
-    return renderer.Render(plane, records);
+    return renderer.Render(framing, records);
 }
 
 Json GeometryOf(const std::string& file, const host::View& view, const PnImageParam& plane, bool ras)
 {
-    const Vec3 right = host::RightOf(view), down = host::DownOf(view);
+    const Vec3 right = host::RowDirection(plane), down = host::ColumnDirection(plane);
     const auto vector = [&](Vec3 v) { return JsonOf(TurnedIf(ras, v)); };
     return {{"file", file},
             {"rows", plane.rows},
@@ -120,14 +120,14 @@ void RunVr(const VrOptions& options)
         renderer.SetVisibleBox(*crop.box);
 
     const PictureSize size = SizeOf(options);
-    const double pixelSize = host::FittingPixelSize(views, crop.corners, size.rows, size.columns) / zoom;
+    const std::vector<host::Framing> framings = FramingsOf(views, crop, size, zoom);
     Json list = Json::array();
     std::vector<std::string> lines;
     Progress progress(int(views.size()));
     for (size_t n = 0; n < views.size(); ++n)
     {
-        const PnImageParam plane = host::ViewPlaneOf(views[n], crop.corners, size.rows, size.columns, pixelSize);
-        const host::RenderedImage image = Render(renderer, sections, plane);
+        const host::RenderedImage image = Render(renderer, sections, framings[n]);
+        const PnImageParam& plane = image.plane;
         host::Picture picture = host::PictureOf(image, BackgroundOf(options), true);
         if (options.letters)
         {
@@ -139,7 +139,7 @@ void RunVr(const VrOptions& options)
         list.push_back(GeometryOf(file, views[n], plane, options.ras));
         if (!file.empty())
             lines.push_back(file + "  " + std::to_string(size.columns) + " x " + std::to_string(size.rows) +
-                            " pixels of " + host::Number(pixelSize) + " mm");
+                            " pixels of " + host::Number(plane.columnSpacing) + " mm");
     }
     files.Finish();
     if (!options.video.empty())

@@ -62,6 +62,7 @@ Crop PatientCrop(const VrOptions& options, const host::Volume& volume)
             throw Error(ErrorKind::Usage, "--crop leaves nothing of the volume; see corvane info for where it lies");
     }
     crop.corners = CornersOf(ranges);
+    crop.middle = host::MiddleOf(crop.corners);
     return crop;
 }
 
@@ -86,6 +87,7 @@ Crop VoxelCrop(const VrOptions& options, host::Volume& volume)
     const auto high = [&](size_t axis) { return std::min(ranges[axis].high, sizes[axis] - 1.0); };
     Crop crop;
     crop.corners = host::CornersOf(grid, {low(0), low(1), low(2)}, {high(0), high(1), high(2)});
+    crop.middle = host::MiddleOf(crop.corners);
     return crop;
 }
 } // namespace
@@ -150,7 +152,17 @@ Crop CropOf(const VrOptions& options, host::Volume& volume)
         return PatientCrop(options, volume);
     if (!options.cropVoxels.empty())
         return VoxelCrop(options, volume);
-    return {{}, host::CornersOf(volume.grid)};
+    return {{}, host::CornersOf(volume.grid), {}};
+}
+
+std::vector<host::Framing> FramingsOf(const std::vector<host::View>& views, const Crop& crop, const PictureSize& size,
+                                      double zoom)
+{
+    const double pixelSize = host::FittingPixelSize(views, crop.corners, size.rows, size.columns) / zoom;
+    std::vector<host::Framing> framings;
+    for (const host::View& view : views)
+        framings.push_back({view, size.rows, size.columns, pixelSize, crop.middle});
+    return framings;
 }
 
 PlaneRequest PlanesOf(const VrOptions& options)

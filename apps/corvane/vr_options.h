@@ -4,7 +4,7 @@
 #include <optional>
 
 #include "film_options.h"
-#include "host/view.h"
+#include "host/scene.h"
 #include "mpr_planes.h"
 
 namespace corvane::app
@@ -24,11 +24,16 @@ struct Crop
 {
     std::optional<host::PatientBox> box; // patient mm
     host::Corners corners;               // around what is shown; the picture is made to fit them
+    std::optional<host::Vec3> middle;    // of what is shown, when it is not the whole volume
 };
 
 // Throw Error (Usage) for what cannot be.
 std::vector<host::View> ViewsOf(const VrOptions& options);
 double ZoomOf(const VrOptions& options);
+
+// One picture for each view, all to the same scale.
+std::vector<host::Framing> FramingsOf(const std::vector<host::View>& views, const Crop& crop, const PictureSize& size,
+                                      double zoom);
 
 // Cuts what --crop-voxels leaves out away from the volume's labels; --crop becomes a box.
 Crop CropOf(const VrOptions& options, host::Volume& volume);

@@ -377,9 +377,22 @@ TEST(Projection, TurnsWithItsView)
     // From the front and from behind one sees the same, mirrored.
     const Projected front = StoredValues(folder, {"aip", kSmall, "--size", "80"});
     const Projected back = StoredValues(folder, {"aip", kSmall, "--size", "80", "--azimuth", "180"});
+    const auto pointOf = [&](int row, int column) { // on the plane through the middle, which both share
+        const double x = front.json["position"][0], z = front.json["position"][2], size = front.json["columnSpacing"];
+        return Vec3{x + column * size, 0, z - row * size};
+    };
     for (int row = 0; row < 80; ++row)
         for (int column = 0; column < 80; ++column)
-            ASSERT_NEAR(front.At(row, column), back.At(row, 79 - column), 60) << row << " " << column;
+        {
+            const Vec3 point = pointOf(row, column);
+            ASSERT_NEAR(back.RowOf(point), row, 1e-6);
+            const int mirrored = int(std::lround(back.ColumnOf(point)));
+            ASSERT_NEAR(back.ColumnOf(point), mirrored, 1e-6);
+            if (mirrored < 80)
+            {
+                ASSERT_NEAR(front.At(row, column), back.At(row, mirrored), 60) << row << " " << column;
+            }
+        }
     EXPECT_GT(front.Most(), back.At(0, 0));
 }
 

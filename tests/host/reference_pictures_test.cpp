@@ -1,8 +1,6 @@
 #include "host/numbers.h"
 #include "host/palette_presets.h"
 #include "host/phantom.h"
-#include "host/view.h"
-#include "host/view_path.h"
 #include "host/view_rendering.h"
 #include "host/write_png.h"
 #include "png_reader.h"
@@ -41,9 +39,8 @@ Picture Rendered(const std::string& phantom, const std::string& preset, const Vi
     const VolumeView records(volume, Padding{});
     const PaletteTables tables(AllLabels(preset, volume));
     ViewRenderer renderer(records, tables);
-    const Corners corners = CornersOf(volume.grid);
-    const double pixel = FittingPixelSize({view}, corners, kSide, kSide);
-    return PictureOf(renderer.Render(ViewPlaneOf(view, corners, kSide, kSide, pixel)), Rgb{}, true);
+    const double pixel = FittingPixelSize({view}, CornersOf(volume.grid), kSide, kSide);
+    return PictureOf(renderer.Render({view, kSide, kSide, pixel, {}}), Rgb{}, true);
 }
 
 Picture RenderedInside(const Vec3& eye, const Vec3& direction)
@@ -52,12 +49,7 @@ Picture RenderedInside(const Vec3& eye, const Vec3& direction)
     const VolumeView records(volume, Padding{});
     const PaletteTables tables(AllLabels("airway", volume));
     ViewRenderer renderer(records, tables);
-    const InsideView view = InsideViewOf(eye, direction);
-    const auto number = [](double value) { return float(value); };
-    const KsViewPoint point = {{number(view.eye.x), number(view.eye.y), number(view.eye.z)},
-                               {number(view.direction.x), number(view.direction.y), number(view.direction.z)},
-                               {number(view.up.x), number(view.up.y), number(view.up.z)}};
-    return PictureOf(renderer.RenderInside(point, 90.0, kSide, kSide), Rgb{}, false);
+    return PictureOf(renderer.RenderInside(InsideViewOf(eye, direction), 90.0, kSide, kSide), Rgb{}, false);
 }
 
 void ExpectLikeReference(const Picture& picture, const std::string& name)

@@ -90,14 +90,15 @@ TEST(ViewPlanes, ShowTheVolumeWhereTheirRaysCross)
     for (double azimuth : {20.0, 130.0, 250.0})
     {
         const View look = Turned(NamedView("anterior"), azimuth, 35, 10);
-        const PnImageParam picture = ViewPlaneOf(look, corners, 150, 170, FittingPixelSize({look}, corners, 150, 170));
+        const Framing framing = {look, 150, 170, FittingPixelSize({look}, corners, 150, 170), {}};
+        const PnImageParam picture = renderer.PlaneOf(framing);
         std::vector<SeenPlane> seen;
         std::vector<KsBlendImage> records;
         for (const auto& [axis, place] : sections)
             seen.push_back(*SeenPlaneOf(Section(axis, place), picture, view, volume, {0, 2000}, {0, 0, 255}));
         for (const SeenPlane& plane : seen)
             records.push_back(plane.record);
-        const RenderedImage image = renderer.Render(picture, records);
+        const RenderedImage image = renderer.Render(framing, records);
         for (int row = 0; row < 150; ++row)
             for (int column = 0; column < 170; ++column)
             {
@@ -146,9 +147,9 @@ TEST(ViewPlanes, HideWhatLiesBehindThem)
     const VolumeView view(volume, {});
     const PaletteTables tables({{0, RedBall()}});
     ViewRenderer renderer(view, tables);
-    const Corners corners = CornersOf(volume.grid);
     const View look = NamedView("anterior");
-    const PnImageParam picture = ViewPlaneOf(look, corners, 88, 88, 0.5);
+    const Framing framing = {look, 88, 88, 0.5, {}};
+    const PnImageParam picture = renderer.PlaneOf(framing);
     // The pixel before the ball's middle.
     const Vec3 offset = kBall - FirstPixel(picture);
     const size_t middle = size_t(std::lround(Dot(offset, DownOf(look)) / 0.5)) * 88 +
@@ -157,9 +158,9 @@ TEST(ViewPlanes, HideWhatLiesBehindThem)
     {
         const std::optional<SeenPlane> plane =
             SeenPlaneOf(Section('y', place), picture, view, volume, {0, 2000}, {0, 0, 255});
-        return renderer.Render(picture, {plane->record}).pixels[middle];
+        return renderer.Render(framing, {plane->record}).pixels[middle];
     };
-    EXPECT_EQ(Red(renderer.Render(picture).pixels[middle]), 255);
+    EXPECT_EQ(Red(renderer.Render(framing).pixels[middle]), 255);
     EXPECT_EQ(Red(at(kBall.y + 10)), 255); // behind the ball
     EXPECT_EQ(Green(at(kBall.y + 10)), 0);
     EXPECT_EQ(Red(at(kBall.y - 10)), 0); // before it, black air
@@ -174,15 +175,13 @@ TEST(ViewRendering, ShowsOnlyTheVisibleBox)
     const VolumeView view(volume, {});
     const PaletteTables tables({{0, RedBall()}});
     ViewRenderer renderer(view, tables);
-    const View look = NamedView("anterior");
-    const PnImageParam picture = ViewPlaneOf(look, CornersOf(volume.grid), 88, 88, 0.5);
     renderer.SetVisibleBox({{44, 44, 44}, {kBall.x, 0, 0}}); // the ball's left half; corners in any order
-    const RenderedImage image = renderer.Render(picture);
+    const RenderedImage image = renderer.Render({NamedView("anterior"), 88, 88, 0.5, {}});
     int left = 0, right = 0;
     for (int row = 0; row < 88; ++row)
         for (int column = 0; column < 88; ++column)
             if (image.pixels[size_t(row) * 88 + size_t(column)] & 255)
-                ++(PixelToPatient(picture, row, column).x < kBall.x - 0.5 ? right : left);
+                ++(PixelToPatient(image.plane, row, column).x < kBall.x - 0.5 ? right : left);
     EXPECT_EQ(right, 0);
     EXPECT_NEAR(left, 0.5 * std::numbers::pi * kRadius * kRadius / 0.25, 40);
 }
@@ -195,8 +194,7 @@ TEST(ViewRendering, LooksFromInsideInPerspective)
     ViewRenderer renderer(view, tables);
     // The eye looks to posterior past the ball, which lies to the left and above.
     const Vec3 eye = kBall - Vec3{6, 13, 4};
-    const KsViewPoint point = {{float(eye.x), float(eye.y), float(eye.z)}, {0, 1, 0}, {0, 0, 1}};
-    const RenderedImage image = renderer.RenderInside(point, 100, 201, 241);
+    const RenderedImage image = renderer.RenderInside({eye, {0, 1, 0}, {0, 0, 1}}, 100, 201, 241);
     double rows = 0, columns = 0, count = 0;
     for (int row = 0; row < 201; ++row)
         for (int column = 0; column < 241; ++column)
@@ -246,7 +244,7 @@ TEST(QuietOutput, LetsNothingThroughWhileItLives)
     const VolumeView view(volume, {});
     const PaletteTables tables({{0, RedBall()}});
     ViewRenderer renderer(view, tables);
-    renderer.Render(ViewPlaneOf(NamedView("left"), CornersOf(volume.grid), 20, 20, 2));
+    renderer.Render({NamedView("left"), 20, 20, 2, {}});
     renderer.RenderInside({{20, 20, 20}, {0, 1, 0}, {0, 0, 1}}, 90, 20, 20);
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "abfg");
 }
