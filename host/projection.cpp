@@ -1,5 +1,7 @@
 #include "projection.h"
 
+#include <memory>
+
 #include "error.h"
 #include "plane.h"
 #include "quiet_output.h"
@@ -73,10 +75,8 @@ ProjectedImage Projector::ThroughSlab(Projection projection, const PnImageParam&
     const bool done = projection == Projection::Maximum   ? engine.ImagingMIP(plane, depth, &record)
                       : projection == Projection::Average ? engine.ImagingAIP(plane, depth, &record)
                                                           : engine.ImagingMinIP(plane, depth, &record);
-    ProjectedImage image = {plane, std::vector<int16_t>(record.values, record.values + record.valueCount)};
-    if (record.ownsValues)
-        delete[] record.values;
+    const std::unique_ptr<int16_t[]> owned(record.ownsValues ? record.values : nullptr);
     Require(done);
-    return image;
+    return {plane, std::vector<int16_t>(record.values, record.values + record.valueCount)};
 }
 } // namespace corvane::host

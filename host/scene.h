@@ -27,7 +27,8 @@ struct PatientBox
 // A volume in the engine. The engine's camera always has the middle of the volume in the middle of the picture, and its
 // palette is that of label 0; for everything else there is a renderer beside the engine, made when it is first asked
 // for, which draws on the image planes of the same camera. Voxels are those of the volume, which must live as long as
-// this does, for both; labels are copied once, into the engine, and read there by both.
+// this does, for both; labels are copied once, into the engine, and read there by both. The renderer costs memory for
+// a tree of value ranges, about a byte for each voxel.
 class Scene
 {
 public:

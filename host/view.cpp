@@ -9,7 +9,27 @@ namespace corvane::host
 {
 namespace
 {
-constexpr double kMargin = 1.04; // the picture is that much larger than what is seen
+constexpr double kMargin = 1.04;  // the picture is that much larger than what is seen
+constexpr double kDistance = 1.2; // of the image plane from the middle, in diagonals of what is seen
+
+struct Box
+{
+    Vec3 low, high;
+
+    Vec3 Middle() const { return 0.5 * (low + high); }
+    double Diagonal() const { return Length(high - low); }
+};
+
+Box BoxAround(const Corners& corners)
+{
+    Box box = {corners.front(), corners.front()};
+    for (const Vec3& corner : corners)
+    {
+        box.low = {std::min(box.low.x, corner.x), std::min(box.low.y, corner.y), std::min(box.low.z, corner.z)};
+        box.high = {std::max(box.high.x, corner.x), std::max(box.high.y, corner.y), std::max(box.high.z, corner.z)};
+    }
+    return box;
+}
 
 // Turns a vector about a unit axis, counter-clockwise when the axis points at the viewer (Rodrigues).
 Vec3 Rotated(Vec3 vector, Vec3 axis, double degrees)
@@ -17,6 +37,13 @@ Vec3 Rotated(Vec3 vector, Vec3 axis, double degrees)
     const double angle = degrees * std::numbers::pi / 180;
     return std::cos(angle) * vector + std::sin(angle) * Cross(axis, vector) +
            ((1 - std::cos(angle)) * Dot(axis, vector)) * axis;
+}
+
+void Store(Vec3 vector, double (&numbers)[3])
+{
+    numbers[0] = vector.x;
+    numbers[1] = vector.y;
+    numbers[2] = vector.z;
 }
 } // namespace
 
@@ -69,16 +96,7 @@ Corners CornersOf(const Grid& grid)
     return CornersOf(grid, {0, 0, 0}, {grid.sizeX - 1.0, grid.sizeY - 1.0, grid.sizeZ - 1.0});
 }
 
-Vec3 MiddleOf(const Corners& corners)
-{
-    Vec3 low = corners.front(), high = low;
-    for (const Vec3& corner : corners)
-    {
-        low = {std::min(low.x, corner.x), std::min(low.y, corner.y), std::min(low.z, corner.z)};
-        high = {std::max(high.x, corner.x), std::max(high.y, corner.y), std::max(high.z, corner.z)};
-    }
-    return 0.5 * (low + high);
-}
+Vec3 MiddleOf(const Corners& corners) { return BoxAround(corners).Middle(); }
 
 double FittingPixelSize(const std::vector<View>& views, const Corners& corners, uint32_t rows, uint32_t columns)
 {
@@ -89,5 +107,21 @@ double FittingPixelSize(const std::vector<View>& views, const Corners& corners, 
             size = std::max({size, 2 * std::fabs(Dot(corner - middle, RightOf(view))) / columns,
                              2 * std::fabs(Dot(corner - middle, DownOf(view))) / rows});
     return size * kMargin;
+}
+
+PnImageParam ViewPlaneOf(const View& view, const Corners& corners, uint32_t rows, uint32_t columns, double pixelSize)
+{
+    const Box box = BoxAround(corners);
+    const Vec3 right = RightOf(view), down = DownOf(view);
+    PnImageParam plane = {};
+    plane.rows = rows;
+    plane.columns = columns;
+    plane.rowSpacing = plane.columnSpacing = pixelSize;
+    Store(right, plane.rowDirection);
+    Store(down, plane.columnDirection);
+    Store(box.Middle() - kDistance * box.Diagonal() * view.direction - (0.5 * (columns - 1.0) * pixelSize) * right -
+              (0.5 * (rows - 1.0) * pixelSize) * down,
+          plane.position);
+    return plane;
 }
 } // namespace corvane::host

@@ -41,6 +41,10 @@ Vec3 MiddleOf(const Corners& corners);
 // The largest size of pixels, mm, with which the corners fit a picture from each of the views, with a narrow margin
 // and their middle in its own.
 double FittingPixelSize(const std::vector<View>& views, const Corners& corners, uint32_t rows, uint32_t columns);
+
+// The image plane of a view with the corners' middle in its middle, so far before them that rays start outside: for
+// rendering without the engine, whose camera places its own.
+PnImageParam ViewPlaneOf(const View& view, const Corners& corners, uint32_t rows, uint32_t columns, double pixelSize);
 } // namespace corvane::host
 
 #endif

@@ -154,6 +154,25 @@ TEST(Scene, LooksFromInsideTheSameInTheEngineAndBesideIt)
     }
 }
 
+TEST(Scene, SaysWhenTheLibraryDrawsNothing)
+{
+    const Volume volume = PhantomWithABiteTaken();
+    const VolumeView records(volume, {});
+    for (const bool beside : {false, true})
+    {
+        const PaletteTables tables(Palettes(beside, volume));
+        ViewRenderer renderer(records, tables);
+        const InsideView view = {{1.5, 7, 90}, {0, 1, 0}, {0, 0, 1}};
+        EXPECT_TRUE(Contains(ErrorOf([&] { renderer.RenderInside(view, 90, 0, 5); }, ErrorKind::Computation),
+                             "the library refuses this rendering"));
+    }
+    Projector projector(records);
+    const PnImageParam plane = projector.PlaneOf({NamedView("left"), 9, 9, 1, {}});
+    EXPECT_TRUE(Contains(ErrorOf([&] { projector.ThroughSlab(Projection::Maximum, plane, 0.05); },
+                                 ErrorKind::Computation), // thinner than the library takes
+                         "the library refuses this projection"));
+}
+
 TEST(Scene, ProjectsTheSameValuesInTheEngineAndBesideIt)
 {
     const Volume volume = PhantomWithABiteTaken();

@@ -1,3 +1,4 @@
+#include "host/plane.h"
 #include "host/turntable.h"
 #include "host/view.h"
 #include "read_testing.h"
@@ -60,6 +61,30 @@ TEST(View, KeepsItsAxesAtRightAngles)
         EXPECT_NEAR(Dot(view.direction, view.up), 0, 1e-12);
         ExpectNear(DownOf(view), -1.0 * view.up, 1e-12, "down");
     }
+}
+
+TEST(View, FitsTheVolumeIntoThePicture)
+{
+    const Grid grid = ObliqueGrid(60, 50, 40, 15);
+    const Corners corners = CornersOf(grid);
+    const View view = Turned(NamedView("anterior"), 20, 30, 40);
+    const double size = FittingPixelSize({view}, corners, 200, 300);
+    const PnImageParam plane = ViewPlaneOf(view, corners, 200, 300, size);
+    double nearestEdge = INFINITY, shallowest = INFINITY;
+    for (const Vec3& corner : corners)
+    {
+        const Vec3 offset = corner - FirstPixel(plane);
+        const double column = Dot(offset, RowDirection(plane)) / size, row = Dot(offset, ColumnDirection(plane)) / size;
+        EXPECT_TRUE(column > 0 && column < 299 && row > 0 && row < 199) << column << " " << row;
+        nearestEdge = std::min({nearestEdge, column, 299 - column, row, 199 - row});
+        shallowest = std::min(shallowest, Dot(offset, view.direction));
+    }
+    EXPECT_LT(nearestEdge, 8);   // it fills the picture
+    EXPECT_GT(shallowest, 10.0); // and lies behind the plane
+    const Vec3 middle = IndexToPatient(grid, {29.5, 24.5, 19.5});
+    const Vec3 offset = middle - FirstPixel(plane);
+    EXPECT_NEAR(Dot(offset, RowDirection(plane)) / size, 149.5, 1e-6);
+    EXPECT_NEAR(Dot(offset, ColumnDirection(plane)) / size, 99.5, 1e-6);
 }
 
 TEST(Turntable, TurnsRoundOnceInEvenSteps)
