@@ -1,6 +1,7 @@
 #include "read_nifti.h"
 
 #include "error.h"
+#include "label_file.h"
 #include "read_bytes.h"
 #include "read_grid.h"
 #include "read_text.h"
@@ -31,6 +32,7 @@ struct Header
     int qformCode = 0, sformCode = 0;
     double quaternion[3] = {}, quaternionOffset[3] = {};
     double sform[3][4] = {};
+    bool marksCuts = false;
 };
 
 [[noreturn]] void Fail(const std::string& path, const std::string& what)
@@ -105,6 +107,7 @@ Header TakeFields(const std::vector<char>& bytes, const std::string& path)
         header.sform[1][i] = value(file.srow_y[i]);
         header.sform[2][i] = value(file.srow_z[i]);
     }
+    header.marksCuts = Trimmed({file.descrip, sizeof file.descrip}) == kCutMark;
     return header;
 }
 
@@ -226,6 +229,7 @@ RawVolume ReadNifti(const std::string& path)
 
     RawVolume raw;
     raw.description = FileNameOf(path);
+    raw.marksCuts = header.marksCuts;
     raw.type = TypeOf(path, header.datatype);
     raw.grid = GridOf(path, header, raw.warnings);
     if (header.slope != 0 && std::isfinite(header.slope) && std::isfinite(header.intercept))

@@ -1,6 +1,7 @@
 #include "read_nrrd.h"
 
 #include "error.h"
+#include "label_file.h"
 #include "read_bytes.h"
 #include "read_grid.h"
 #include "read_text.h"
@@ -269,6 +270,8 @@ RawVolume ReadNrrd(const std::string& path)
 
     RawVolume raw;
     raw.description = FileNameOf(path);
+    const std::unique_ptr<char, decltype(&std::free)> mark(nrrdKeyValueGet(nrrd.get(), kCutMarkName), &std::free);
+    raw.marksCuts = mark && Trimmed(mark.get()) == kCutMark;
     while (nrrd->dim > 3)
     {
         const unsigned int axis = AxisToDrop(*nrrd);

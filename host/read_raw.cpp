@@ -1,6 +1,7 @@
 #include "read_raw.h"
 
 #include "error.h"
+#include "label_byte.h"
 #include "read_bytes.h"
 #include "read_text.h"
 
@@ -17,7 +18,6 @@ constexpr double kMinStored = INT16_MIN, kMaxStored = INT16_MAX;
 constexpr double kMaxClampedShare = 0.001; // of the voxels: metal, markers
 constexpr double kCtLikeMinimum = -500;    // values below mean air in HU
 constexpr double kCtLikeRange = 1000;      // rounding to whole numbers is finer than a thousandth of it
-constexpr int kMaxLabel = 63;
 
 // Calls action(sample type's zero) with the C++ type of the samples.
 template <typename Action>
@@ -216,11 +216,12 @@ Volume StoredVolume(RawVolume&& raw)
 
 std::vector<uint8_t> LabelsOf(const RawVolume& raw, const std::string& name)
 {
+    const int largest = raw.marksCuts ? kLabelBits + kCutBit : kLabelBits;
     std::vector<uint8_t> labels(raw.grid.VoxelCount());
     ForEachSample(raw,
                   [&](size_t index, auto, double real)
                   {
-                      if (!(real >= 0 && real <= kMaxLabel && IsWhole(real)))
+                      if (!(real >= 0 && real <= largest && IsWhole(real)))
                       {
                           const size_t perSlice = raw.grid.VoxelsPerSlice(), columns = size_t(raw.grid.sizeX);
                           throw Error(ErrorKind::Input, name + ": the value " + Number(real) + " at voxel (" +
@@ -228,7 +229,7 @@ std::vector<uint8_t> LabelsOf(const RawVolume& raw, const std::string& name)
                                                             std::to_string(index % perSlice / columns) + ", " +
                                                             std::to_string(index / perSlice) +
                                                             ") is no label; labels are whole numbers from 0 to " +
-                                                            std::to_string(kMaxLabel));
+                                                            std::to_string(largest));
                       }
                       labels[index] = uint8_t(real);
                   });

@@ -41,6 +41,7 @@ struct RawVolume
     std::vector<Rescale> rescale = {Rescale()}; // one for all slices, or one each
     std::string modality, description;          // as in Volume
     std::vector<std::string> warnings;
+    bool marksCuts = false; // as labels: 64 is added where a voxel is cut away
 
     // Takes memory for the samples of the grid, zeroed. Throws Error when there is too little.
     //   name  of the file, for the message
@@ -57,7 +58,8 @@ struct RawVolume
 // The last two warn with the numbers. Values that are not finite become the smallest finite one, with a warning.
 Volume StoredVolume(RawVolume&& raw);
 
-// The samples as labels. Throws Error for a value that is no whole number from 0 to 63.
+// The samples as label bytes. Throws Error for a value that is no whole number from 0 to 63, or to 127 where the file
+// says that it marks cuts.
 //   name  of the file, for the message
 std::vector<uint8_t> LabelsOf(const RawVolume& raw, const std::string& name);
 } // namespace corvane::host

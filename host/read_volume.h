@@ -33,8 +33,9 @@ struct ReadOptions
 // Throws Error for what cannot be read, and for what cannot be shown truthfully.
 Volume ReadVolume(const std::string& input, const ReadOptions& options = {});
 
-// Reads a label volume of the same grid as `grid` (the formats of ReadVolume; integers 0 to 63).
-// Throws Error when size or geometry differ, or values are no labels.
+// Reads a label volume of the same grid as `grid` (the formats of ReadVolume; integers 0 to 63, and from 64 where the
+// file says that it marks cuts, as those of LabelFileOf do). Throws Error when size or geometry differ, or values are
+// no labels.
 std::vector<uint8_t> ReadLabels(const std::string& input, const Grid& grid);
 } // namespace corvane::host
 

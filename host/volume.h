@@ -39,7 +39,7 @@ struct Volume
 {
     Grid grid;
     std::vector<int16_t> voxels; // VoxelCount() stored values, x fastest, then y, then z
-    std::vector<uint8_t> labels; // as many labels (0 to 63), or none
+    std::vector<uint8_t> labels; // as many label bytes (label_byte.h), or none
 
     // Real value (HU for CT) = valueSlope * stored value + valueIntercept.
     double valueSlope = 1.0;
