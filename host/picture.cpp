@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "label_byte.h"
 #include "plane.h"
 
 namespace corvane::host
@@ -39,9 +40,10 @@ Picture GreyPicture(const KsImageData& image, const Volume& volume, const Grid& 
 
 void BlendLabels(Picture& picture, const std::vector<uint8_t>& labels, const LabelColours& colours, double opacity)
 {
+    const LabelColour cutAway = {"cut away", 0, 0, 0, 1};
     for (size_t pixel = 0; pixel < labels.size(); ++pixel)
     {
-        const LabelColour& colour = colours[labels[pixel] % colours.size()];
+        const LabelColour& colour = labels[pixel] & kCutBit ? cutAway : colours[labels[pixel] & kLabelBits];
         const double share = colour.opacity * opacity;
         if (!(share > 0))
             continue;

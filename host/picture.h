@@ -26,6 +26,7 @@ struct Picture
 Picture GreyPicture(const KsImageData& image, const Volume& volume, const Grid& grid, const Window& window);
 
 // Lays the labels' colours over a picture of the same plane; `opacity` (0 to 1) applies on top of each label's own.
+// What is cut away is darkened instead: planes still show its values.
 void BlendLabels(Picture& picture, const std::vector<uint8_t>& labels, const LabelColours& colours, double opacity);
 } // namespace corvane::host
 

@@ -64,6 +64,15 @@ TEST(BlendLabels, MixesColourAndGreyByOpacity)
                                                  100, 100, 100})); // a label without a colour
 }
 
+TEST(BlendLabels, DarkensWhatIsCutAwayWhateverItsLabel)
+{
+    Picture picture = {1, 3, 1, 1, std::vector<uint8_t>(9, 100)};
+    LabelColours colours;
+    colours[1] = {"", 200, 0, 100, 1};
+    BlendLabels(picture, {64, 65, 127}, colours, 0.25);
+    EXPECT_EQ(picture.rgb, std::vector<uint8_t>(9, 75));
+}
+
 TEST(BlendLabels, AtFullOpacityIsTheColourItself)
 {
     Picture picture = {1, 1, 1, 1, {100, 100, 100}};
