@@ -29,7 +29,16 @@ void AddRenderingOptions(CLI::App& command, RenderingOptions& options)
     command.add_flag("--force", options.force, "replace files that stand there already");
     command.add_flag("--json", options.json, "print what was rendered, and how, as JSON");
     command.add_flag("--ras", options.ras, "points and directions are given and printed as RAS instead of LPS");
+    AddAppearanceOptions(command, options);
 
+    const char* film = "Film";
+    command.add_option("--video", options.video, "a film of all pictures: .mp4, .mkv or .webm; needs ffmpeg")
+        ->group(film);
+    command.add_option("--fps", options.framesPerSecond, "pictures per second of the film (default 25)")->group(film);
+}
+
+void AddAppearanceOptions(CLI::App& command, RenderingOptions& options)
+{
     const char* look = "Appearance";
     command.add_option("--preset", options.preset, "a transfer function by name; see --list-presets")->group(look);
     command.add_flag("--list-presets", options.listPresets, "print their names, render nothing")->group(look);
@@ -57,11 +66,6 @@ void AddRenderingOptions(CLI::App& command, RenderingOptions& options)
                     "the outermost one to two voxel layers cannot be sampled unless they are doubled: auto (along axes "
                     "of fewer than 16 voxels), all or none")
         ->group(look);
-
-    const char* film = "Film";
-    command.add_option("--video", options.video, "a film of all pictures: .mp4, .mkv or .webm; needs ffmpeg")
-        ->group(film);
-    command.add_option("--fps", options.framesPerSecond, "pictures per second of the film (default 25)")->group(film);
 }
 
 void ListPresets(bool json)
@@ -86,12 +90,17 @@ void CheckOptions(const RenderingOptions& options)
         throw Error(ErrorKind::Usage, "say where the pictures go with --output, or make a film with --video");
     if (options.json && options.output == "-")
         throw Error(ErrorKind::Usage, "--json and --output - both want standard output");
+    CheckAppearance(options);
+    CountOf(options.framesPerSecond, "--fps takes a number of pictures from 1 to 120", 1, 120);
+}
+
+void CheckAppearance(const RenderingOptions& options)
+{
     if (!options.preset.empty() && !options.palette.empty())
         throw Error(ErrorKind::Usage, "give --preset or --palette, not both");
     SizeOf(options);
     BackgroundOf(options);
     PaddingOf(options.pad, {});
-    CountOf(options.framesPerSecond, "--fps takes a number of pictures from 1 to 120", 1, 120);
 }
 
 PictureSize SizeOf(const RenderingOptions& options)

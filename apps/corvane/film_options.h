@@ -21,11 +21,15 @@ struct RenderingOptions
 
 void AddRenderingOptions(CLI::App& command, RenderingOptions& options);
 
+// Those among them that say how the volume looks.
+void AddAppearanceOptions(CLI::App& command, RenderingOptions& options);
+
 // Prints the presets' names and what they show.
 void ListPresets(bool json);
 
 // Throws Error (Usage) when the options contradict each other; needs no file.
 void CheckOptions(const RenderingOptions& options);
+void CheckAppearance(const RenderingOptions& options); // only of the picture's size and looks
 
 struct PictureSize
 {

@@ -4,6 +4,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include "cut_command.h"
 #include "host/error.h"
 #include "info_command.h"
 #include "mpr_command.h"
@@ -35,6 +36,7 @@ int Run(int argumentCount, char** arguments)
     app::AddVrCommand(program);
     app::AddVeCommand(program);
     app::AddVerifyCommand(program);
+    app::AddCutCommand(program);
     try
     {
         program.parse(argumentCount, arguments);
