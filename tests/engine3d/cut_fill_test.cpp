@@ -232,6 +232,34 @@ TEST(CutFill, IsThatOfThePlainVersion)
     EXPECT_GT(selectedSome, 150); // of 360
 }
 
+// Every voxel stands on the border of two pixels, so the last bit of every number decides to which it belongs.
+TEST(CutFill, RoundsOnTheBordersOfPixelsLikeThePlainVersion)
+{
+    for (uint32_t seed = 0; seed < 40; ++seed)
+    {
+        SCOPED_TRACE(seed);
+        Random random(seed);
+        Cutter cutter(40, 30, 12);
+        KsVolumeData& volume = cutter.volume.data;
+        PlaceAtRandom(random, volume);
+        const core::Vec3f row = core::VecOf(volume.rowDirection), column = core::VecOf(volume.columnDirection);
+        core::Store(core::Cross(row, column), volume.sliceDirection);
+        cutter.Load();
+        PnImageParam param = {30, 40, double(volume.spacing[1]), double(volume.spacing[0]), {}, {}, {}};
+        core::Store(core::ToDouble(row), param.rowDirection);
+        core::Store(core::ToDouble(column), param.columnDirection);
+        const int i = random.Between(-5, 5), j = random.Between(-5, 5);
+        core::Store(core::ToDouble(core::VecOf(volume.origin)) + i * param.rowSpacing * core::ToDouble(row) +
+                        j * param.columnSpacing * core::ToDouble(column),
+                    param.position);
+        TestRegion region(param);
+        for (int y = 0; y < 30; ++y)
+            for (int x = 0; x < 40; ++x)
+                region.At(y, x) = (x + y) % 2; // a chequerboard
+        ExpectSameLabels(cutter.Fill(region), cutter.FillPlainly(region));
+    }
+}
+
 // At 2^18 voxels work starts to be shared; rows end anywhere in a run of 256 voxels.
 TEST(CutFill, IsTheSameWhenWorkIsShared)
 {

@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstring>
 
 namespace corvane::tests
 {
@@ -99,6 +98,4 @@ PnImageParam PlaneOf(Engine3D& engine, int width, int height)
     EXPECT_TRUE(engine.GetParamsOfVR(width, height, plane));
     return plane;
 }
-
-bool IsSame(const PnImageParam& a, const PnImageParam& b) { return std::memcmp(&a, &b, sizeof a) == 0; }
 } // namespace corvane::tests

@@ -4,6 +4,7 @@
 #include "appearance_state.h"
 #include "corvane/Engine3D.h"
 #include "corvane/Render3D.h"
+#include "navigation_planes.h"
 #include "palette_plain.h"
 #include "tests/render3d/scenes.h"
 #include "tests/render3d/scratch_folder.h"
@@ -52,8 +53,6 @@ TestImage RenderingOf(Render3D& render, const PnImageParam& plane, int volumeInd
 
 // The orthographic camera's image.
 PnImageParam PlaneOf(Engine3D& engine, int width, int height);
-
-bool IsSame(const PnImageParam& a, const PnImageParam& b);
 } // namespace corvane::tests
 
 #endif

@@ -1,7 +1,6 @@
 #include "engine3d/palette_record.h"
 
-#include "corvane/Engine3D.h"
-#include "palette_plain.h"
+#include "appearance_host.h"
 
 #include <gtest/gtest.h>
 
@@ -15,19 +14,6 @@ using engine3d::PointCount;
 
 namespace
 {
-// A host's record, released as a host would.
-struct HostPalette : KsPalette
-{
-    HostPalette() = default;
-    HostPalette(const HostPalette&) = delete;
-    HostPalette& operator=(const HostPalette&) = delete;
-    ~HostPalette()
-    {
-        if (ownsPoints)
-            delete[] points;
-    }
-};
-
 void ExpectSamePoints(const KsPalette& palette, const std::vector<KsPalettePoint>& expected)
 {
     ASSERT_EQ(palette.pointCount, int(expected.size()));
