@@ -189,18 +189,18 @@ TEST(LabelVolumes, HoldZerosForEveryVoxelAndNothingWithoutVoxels)
     labels.Build(&volume.data);
     ASSERT_NE(labels.Record().slices, nullptr);
     EXPECT_EQ(CountOf(CopyOf(labels.Record()), 0), 42 * 36 * 28);
-    for (int missing = 0; missing < 5; ++missing)
+    std::vector<KsVolumeData> nothings(7, volume.data);
+    nothings[0].sizeX = nothings[1].sizeY = nothings[2].sizeZ = 0;
+    nothings[3].sizeX = nothings[4].sizeY = nothings[5].sizeZ = -3;
+    nothings[6].slices = nullptr;
+    std::vector<const KsVolumeData*> all = {nullptr};
+    for (const KsVolumeData& nothing : nothings)
+        all.push_back(&nothing);
+    for (const KsVolumeData* const nothing : all)
     {
         labels.Build(&volume.data);
         labels.Record().slices[1][1] = 7;
-        KsVolumeData nothing = volume.data;
-        (missing == 0 ? nothing.sizeX : missing == 1 ? nothing.sizeY : nothing.sizeZ) = missing == 2 ? -3 : 0;
-        if (missing == 3)
-        {
-            nothing = volume.data;
-            nothing.slices = nullptr;
-        }
-        labels.Build(missing == 4 ? nullptr : &nothing);
+        labels.Build(nothing);
         EXPECT_EQ(labels.Record().slices, nullptr);
         EXPECT_EQ(labels.Record().sizeX, 42u); // sizes stay
         EXPECT_EQ(labels.Record().sizeY, 36u);
