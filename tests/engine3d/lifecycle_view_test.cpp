@@ -179,11 +179,16 @@ TEST(EngineDerived, OperationsWithTwoNamesDoNotCallEachOther)
     class Renaming final : public Engine3D
     {
     public:
-        void Step(float distance) override { StepOrigin(2 * distance); }
+        void Step(float distance) override
+        {
+            if (++steps == 1) // comes back at most once
+                StepOrigin(2 * distance);
+        }
         bool GetParamsOfVR(int width, int height, PnImageParam& param) override
         {
-            return GetImageParams(2 * width, height, param);
+            return ++questions == 1 && GetImageParams(2 * width, height, param);
         }
+        int steps = 0, questions = 0;
     };
     Renaming engine;
     const double start[3] = {0, 0, 0};

@@ -257,14 +257,15 @@ TEST_F(EngineMemory, CutFillWritesNothingThatItCannotFinish)
 }
 } // namespace corvane::tests
 
+#if !defined(_WIN32)
 // A sanitizer's allocator is to answer as any other when it is asked for too much.
-extern "C" const char* __asan_default_options();
-extern "C" const char* __tsan_default_options();
 extern "C" __attribute__((visibility("default"))) const char* __asan_default_options()
 {
     return "allocator_may_return_null=1";
 }
+
 extern "C" __attribute__((visibility("default"))) const char* __tsan_default_options()
 {
     return "allocator_may_return_null=1";
 }
+#endif

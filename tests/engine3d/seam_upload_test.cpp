@@ -110,7 +110,7 @@ TEST_F(SeamUpload, TheFirstVolumeRenderingBringsTheVolumeThenImagesThenFurtherVo
     EXPECT_TRUE(engine.SetGPUEnabled(true));
     EXPECT_EQ(Asked(), Names{"SupportGPU"}); // until then nothing
     EXPECT_EQ(VolumeRendering(), Painted(gpu::kVolumePaint));
-    EXPECT_EQ(Asked(), (Names{"InitData", "SetBlendImage", "AttachVolumeData", "AttachVolumeData", "ImagingVR"}));
+    ASSERT_EQ(Asked(), (Names{"InitData", "SetBlendImage", "AttachVolumeData", "AttachVolumeData", "ImagingVR"}));
     EXPECT_TRUE(SameBytes(last[0].volume, bone.data));
     EXPECT_TRUE(SameBytes(last[0].mark, *engine.GetMarkData()));
     ExpectDefaultTables(last[0]);
@@ -138,7 +138,7 @@ TEST_F(SeamUpload, AnEndoscopyBringsNoImagesAndNobodySendsThemLater)
     EXPECT_TRUE(engine.SetGPUEnabled(true));
     Asked();
     EXPECT_EQ(Endoscopy(), Painted(gpu::kEndoscopyPaint));
-    EXPECT_EQ(Asked(), (Names{"InitData", "AttachVolumeData", "AttachVolumeData", "ImagingVE"}));
+    ASSERT_EQ(Asked(), (Names{"InitData", "AttachVolumeData", "AttachVolumeData", "ImagingVE"}));
     EXPECT_TRUE(SameBytes(last[0].volume, bone.data));
     EXPECT_TRUE(SameBytes(last[1].volume, second.data));
     EXPECT_TRUE(SameBytes(last[2].volume, third.data));
@@ -180,7 +180,7 @@ TEST_F(SeamUpload, TheLateUploadBringsWhatChangedBeforeIt)
     EXPECT_TRUE(engine.SetGPUEnabled(true));
     Asked();
     VolumeRendering();
-    EXPECT_EQ(Asked(), (Names{"InitData", "SetBlendImage", "ImagingVR"})); // the visible box is not part of it
+    ASSERT_EQ(Asked(), (Names{"InitData", "SetBlendImage", "ImagingVR"})); // the visible box is not part of it
     const gpu::Call& upload = last[0];
     ASSERT_EQ(upload.tables.size(), 1u);
     EXPECT_EQ(upload.tables[0].entry.rangeStart, 150);
@@ -266,7 +266,7 @@ TEST_F(SeamUpload, WhatWasTakenAwayIsNotSent)
     EXPECT_TRUE(engine.SetGPUEnabled(true));
     Asked();
     VolumeRendering();
-    EXPECT_EQ(Asked(), (Names{"InitData", "SetBlendImage", "AttachVolumeData", "ImagingVR"}));
+    ASSERT_EQ(Asked(), (Names{"InitData", "SetBlendImage", "AttachVolumeData", "ImagingVR"}));
     EXPECT_EQ(last[1].blendCount, 0);
     EXPECT_TRUE(SameBytes(last[2].volume, third.data));
 
@@ -277,7 +277,7 @@ TEST_F(SeamUpload, WhatWasTakenAwayIsNotSent)
     EXPECT_TRUE(engine.SetGPUEnabled(true));
     Asked();
     VolumeRendering();
-    EXPECT_EQ(Asked(), (Names{"InitData", "SetBlendImage", "ImagingVR"}));
+    ASSERT_EQ(Asked(), (Names{"InitData", "SetBlendImage", "ImagingVR"}));
     EXPECT_EQ(last[1].blendCount, 0);
 }
 
@@ -287,7 +287,7 @@ TEST_F(SeamUpload, AnEmptyEngineUploadsItsEmptiness)
     EXPECT_TRUE(engine.SetGPUEnabled(true));
     Asked();
     EXPECT_EQ(VolumeRendering(), Painted(gpu::kVolumePaint));
-    EXPECT_EQ(Asked(), (Names{"InitData", "SetBlendImage", "ImagingVR"}));
+    ASSERT_EQ(Asked(), (Names{"InitData", "SetBlendImage", "ImagingVR"}));
     EXPECT_EQ(last[0].volume.slices, nullptr);
     EXPECT_EQ(last[0].mark.slices, nullptr);
     EXPECT_TRUE(last[0].tables.empty());
