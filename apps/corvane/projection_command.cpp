@@ -5,6 +5,7 @@
 
 #include "host/error.h"
 #include "host/hidden_labels.h"
+#include "host/label_byte.h"
 #include "host/orientation.h"
 #include "host/picture_marks.h"
 #include "host/plane.h"
@@ -97,9 +98,17 @@ std::vector<PlannedPicture> PlanSlabs(const Task& task, const host::VolumeView& 
     return pictures;
 }
 
-// Throws Error (Usage) where labels are named that the volume does not have.
-void CheckLabels(const std::set<int>& hidden, const host::Volume& volume)
+bool HasCuts(const host::Volume& volume)
 {
+    return std::any_of(volume.labels.begin(), volume.labels.end(), [](uint8_t label) { return label & host::kCutBit; });
+}
+
+// Throws Error (Usage) where labels are named that the volume does not have, and for labels that leave nothing out.
+void CheckLabels(const ProjectionOptions& options, const std::set<int>& hidden, const host::Volume& volume)
+{
+    if (hidden.empty() && !options.planes.labels.empty() && !HasCuts(volume))
+        throw Error(ErrorKind::Usage, "nothing is cut away in these labels; --labels needs --hide-label then, and "
+                                      "corvane mpr and corvane vr show labels in colour");
     if (hidden.empty())
         return;
     if (volume.labels.empty())
@@ -180,7 +189,7 @@ void RunProjection(const Kind& kind, const ProjectionOptions& options)
         volume.labels = host::ReadLabels(common.labels, volume.grid);
     WindowOf(options, kind.projection, volume); // says at once what is wrong with it
     PrintWarnings(volume.warnings);
-    CheckLabels(hidden, volume);
+    CheckLabels(options, hidden, volume);
     const std::vector<std::string> warnings = WarningsOf(task, volume);
     PrintWarnings(warnings);
 
@@ -196,7 +205,7 @@ void RunProjection(const Kind& kind, const ProjectionOptions& options)
     if (task.crop.box)
         projector.SetVisibleBox(*task.crop.box);
     const host::ProjectedSpace space = {view.PaddedGrid(), task.thickness, task.crop.box,
-                                        !hidden.empty() || !options.view.cropVoxels.empty()};
+                                        !hidden.empty() || !options.view.cropVoxels.empty() || HasCuts(volume)};
     host::Window window;
     if (task.format == "png")
         window = ChooseWindow(task, projector, volume, space);

@@ -84,7 +84,8 @@ void AddProjectionOptions(CLI::App& command, ProjectionOptions& options)
         ->group(group);
     add("--hide-margin", options.hideMargin, "N",
         "and so many voxels around it (default 0); with 1 nothing\nof it is mixed into its neighbours");
-    add("--labels", options.planes.labels, "FILE", "a label volume of the same grid, for --hide-label");
+    add("--labels", options.planes.labels, "FILE",
+        "a label volume of the same grid, for --hide-label; what it\nsays is cut away is left out");
     add("--crop-voxels", view.cropVoxels, "I0,J0,K0,I1,J1,K1", "only the voxels from one to another");
 
     group = "Through slabs about planes";
@@ -158,9 +159,6 @@ std::set<int> HiddenLabelsOf(const ProjectionOptions& options)
     std::set<int> hidden;
     for (const std::string& text : options.hiddenLabels)
         hidden.insert(CountOf(text, "--hide-label takes a label from 0 to 63", 0, 63));
-    if (hidden.empty() && !options.planes.labels.empty())
-        throw Error(ErrorKind::Usage,
-                    "--labels needs --hide-label; see corvane mpr and corvane vr for labels in colour");
     return hidden;
 }
 

@@ -217,6 +217,7 @@ TEST(Projection, LeavesOutHiddenLabels)
     EXPECT_EQ(absent.code, 0);
     EXPECT_EQ(absent.err, "corvane: warning: no voxel has label 7\n");
     ExpectRefusal(Corvane(folder, {"mip", "v.nrrd", "--hide-label", "3", "-o", "b.png"}), 2, "--labels FILE");
+    ExpectRefusal(Corvane(folder, {"mip", "v.nrrd", "--labels", "l.nrrd", "-o", "b.png"}), 2, "needs --hide-label");
 }
 
 TEST(Projection, CropsToABoxOrToVoxels)
@@ -458,7 +459,6 @@ TEST(Projection, ExplainsAWrongCommandLineAndLeavesNothing)
     refuse({"--hide-label", "bone"}, "from 0 to 63");
     refuse({"--hide-margin", "1"}, "--hide-margin needs --hide-label");
     refuse({"--hide-label", "1", "--hide-margin", "-1"}, "from 0 to 100");
-    refuse({"--labels", "l.nrrd"}, "--labels needs --hide-label");
     refuse({"--crop", "900,0,0,950,9,9"}, "--crop leaves nothing");
     refuse({"--window", "40"}, "CENTRE,WIDTH");
     refuse({"--format", "nrrd", "--window", "lung"}, "--format png");
