@@ -30,7 +30,7 @@ escaped()
 typed()
 {
     local word text=corvane
-    for word in "$@"; do
+    for word in "${@#"$outDir/"}"; do
         case $word in
         *[!A-Za-z0-9_./:,=+-]* | '') text+=" '$word'" ;;
         *) text+=" $word" ;;
@@ -73,6 +73,43 @@ strip()
         "$caption" "$(typed "$@" -o "${name}_{index}.png")" >>"$page"
 }
 
+# A cut, as three pictures: before, the region, after.  cutting NAME CAPTION INPUT ARGUMENT...   leaves NAME.nrrd, too.
+cutting()
+{
+    local name=$1 caption=$2 file
+    shift 2
+    "$program" cut "$@" -o "$outDir/$name.nrrd" --preview "$outDir/${name}_{picture}.png" --force >/dev/null
+    printf '<figure class="wide"><div class="strip">' >>"$page"
+    for file in "${name}_before.png" "${name}_region.png" "${name}_after.png"; do
+        printf '<a href="%s"><img src="%s" alt="%s"></a>' "$file" "$file" "$caption" >>"$page"
+    done
+    printf '</div><figcaption>%s<code>%s</code></figcaption></figure>\n' \
+        "$caption" "$(typed cut "$@" -o "$name.nrrd" --preview "${name}_{picture}.png")" >>"$page"
+}
+
+# A contact sheet of views, three in a row:  sheet NAME CAPTION INPUT ARGUMENT... -- TITLE:OPTIONS...
+sheet()
+{
+    local name=$1 caption=$2 number=0 title file
+    local -a common=() options
+    shift 2
+    while [ "$1" != -- ]; do
+        common+=("$1")
+        shift
+    done
+    shift
+    printf '<figure class="wide"><div class="sheet">' >>"$page"
+    for title in "$@"; do
+        number=$((number + 1))
+        file=${name}_$number.png
+        read -ra options <<<"${title#*:}"
+        "$program" vr "${common[@]}" "${options[@]}" --letters -o "$outDir/$file" --force >/dev/null
+        printf '<a href="%s"><img src="%s" alt="%s">%s</a>' "$file" "$file" "${title%%:*}" "${title%%:*}" >>"$page"
+    done
+    printf '</div><figcaption>%s<code>%s</code></figcaption></figure>\n' \
+        "$caption" "$(typed vr "${common[@]}" --view left --letters -o "${name}_1.png")" >>"$page"
+}
+
 # In mm: pixels such that the longest side of the volume fills about 512 of them, and a seventh of the shortest side.
 # The plane to compare windows on: coronal, unless the stack is too short for that.
 choices=$(awk '/^size/ { split($0, n, /[^0-9.]+/); x = n[2]; y = n[3]; z = n[4] }
@@ -106,6 +143,8 @@ figure > a img { max-height: 460px; }
 figcaption { padding: .8rem 1rem .9rem; }
 figcaption code { display: block; margin-top: .5rem; color: #7fb4ff; overflow-wrap: anywhere; }
 .wide { grid-column: 1 / -1; }
+.sheet { display: grid; gap: 2px; grid-template-columns: repeat(3, 1fr); max-width: 900px; background: #000; }
+.sheet a { color: #97a1b0; text-align: center; text-decoration: none; }
 .strip { display: grid; gap: 2px; grid-template-columns: repeat(auto-fit, minmax(140px, 1fr)); background: #000; }
 </style>
 </head>
@@ -176,10 +215,10 @@ if grep -q '^values.* HU$' <<<"$info"; then
     for preset in default bone vessels muscle skin lung; do
         picture "vr_$preset" "Preset: $preset" vr "$input" --preset "$preset"
     done
-    structure=bone
+    structure=bone inner=vessels
 else
     picture vr_default "Preset: default, which follows the values of this volume" vr "$input"
-    structure=default
+    structure=default inner=default
 fi
 for view in left posterior superior; do
     picture "vr_$view" "Seen from another side: $view" vr "$input" --preset "$structure" --view "$view"
@@ -187,8 +226,25 @@ done
 picture vr_planes "Three planes in their places" vr "$input" --preset "$structure" --planes --azimuth 35 --elevation 25
 strip vr_turn "A turn round the patient" vr "$input" --preset "$structure" --turntable 8 --size 256
 
+section "Standard views" "The three anatomical views, the same from behind, and the views along the patient's axes."
+sheet view "From each side of the patient; the letters say which" "$input" --preset "$structure" --size 300 -- \
+    "sagittal:--view left" "coronal:--view anterior" "axial:--view inferior" \
+    "sagittal, back:--view right" "coronal, back:--view posterior" "axial, back:--view superior" \
+    "x:--view left --roll 90" "y:--view anterior" "z:--view inferior"
+
+section "Cutting" "A polygon on a rendering cuts away what it covers. The volume keeps its values; a label file says what is gone, and the other commands take it."
+cutting cut_window "The front half behind the polygon is cut away: a window into the body" \
+    "$input" --preset "$inner" --polygon 170,70:342,70:380,250:342,380:170,380:132,250 --depth -9999,0
+cutting cut_half "One half of the body is cut away" \
+    "$input" --preset "$structure" --polygon 256,0:511,0:511,511:256,511
+picture cut_half_left "The other half, with the cut of the last picture, seen from the left" \
+    vr "$input" --labels "$outDir/cut_half.nrrd" --preset "$structure" --view left --azimuth -30
+
 case $input in
 phantom:*)
+    cutting cut_label "Only bone is cut: the front of the ribs goes, everything behind stays" \
+        "$input" --show-labels --label-palette 0:hide --label-palette 1:hide --only-label 2 \
+        --polygon 0,0:511,0:511,511:0,511 --depth -9999,0
     section "Labels in three dimensions" "A transfer function for each label."
     picture vr_labels "Labels solid, without the body and the rest" \
         vr "$input" --show-labels --label-palette 0:hide --label-palette 1:hide
