@@ -1,5 +1,6 @@
 #include "block_tree.h"
 
+#include "block_cells.h"
 #include "fan_out.h"
 
 #include <algorithm>
@@ -9,20 +10,10 @@ namespace corvane::core
 {
 namespace
 {
-constexpr int kCellsPerAxis = kBlockEdge / 2;
-constexpr int kReach = 3;                  // voxels per axis of a leaf's range: its own two and the next one
-constexpr int kRowVoxels = kBlockEdge + 1; // voxels per axis that the leaves of a block reach
-constexpr int16_t kNoMinimum = std::numeric_limits<int16_t>::max();
-constexpr int16_t kNoMaximum = std::numeric_limits<int16_t>::min();
-constexpr BlockNode kEmptyNode = {kNoMaximum, kNoMinimum, 0};
 constexpr uint16_t kAllChildren = 0x00FF;
 constexpr float kVisibleOpacity = 0.01f; // an opacity at or below it is not worth a sample
 constexpr int kValueCount = 65536;
 constexpr int kLowestValue = std::numeric_limits<int16_t>::min();
-
-// Spreads the three bits of a cell number so that the bits of x, y and z interleave to a node number.
-constexpr int Spread(int cell) { return (cell & 1) | ((cell & 2) << 2) | ((cell & 4) << 4); }
-constexpr int NodeOf(int cellX, int cellY, int cellZ) { return Spread(cellX) + 2 * Spread(cellY) + 4 * Spread(cellZ); }
 
 constexpr LevelSizes SizesOfDepth(int depth)
 {
@@ -47,87 +38,6 @@ constexpr std::array<LevelSizes, kBlockEdge + 1> kSizesByDepth = []
 }();
 
 constexpr int64_t SumOf(const LevelSizes& sizes) { return int64_t(sizes[0]) + sizes[1] + sizes[2] + sizes[3]; }
-
-// First voxel of a block, and how many of the volume's voxels lie from there on.
-struct BlockExtent
-{
-    int32_t x, y, z;
-    int32_t leftX, leftY, leftZ;
-};
-
-BlockExtent ExtentOf(const BlockTree& tree, int64_t block)
-{
-    const int32_t x = int32_t(block % tree.blocksX) * kBlockEdge;
-    const int32_t y = int32_t(block % tree.blocksPerLayer / tree.blocksX) * kBlockEdge;
-    const int32_t z = int32_t(block / tree.blocksPerLayer) * kBlockEdge;
-    return {x, y, z, tree.nx - x, tree.ny - y, tree.nz - z};
-}
-
-// Lowest and highest values of a row of voxels over the rows that a row of leaves reaches.
-struct RowRange
-{
-    int16_t lowest[kRowVoxels];
-    int16_t highest[kRowVoxels];
-};
-
-inline void AddRow(RowRange& range, const int16_t* row, int width)
-{
-    for (int x = 0; x < width; ++x)
-    {
-        range.lowest[x] = std::min(range.lowest[x], row[x]);
-        range.highest[x] = std::max(range.highest[x], row[x]);
-    }
-}
-
-// The leaves of one row of cells: first the range over the rows of voxels that it reaches, then over x.
-void ScanLeafRow(const VolumeView& volume, const BlockExtent& extent, int cellY, int cellZ, BlockNode* leaves)
-{
-    const int lastY = std::min(2 * cellY + kReach, extent.leftY);
-    const int lastZ = std::min(2 * cellZ + kReach, extent.leftZ);
-    RowRange range;
-    std::fill_n(range.lowest, kRowVoxels, kNoMinimum);
-    std::fill_n(range.highest, kRowVoxels, kNoMaximum);
-    for (int z = 2 * cellZ; z < lastZ; ++z)
-    {
-        const int16_t* slice = volume.slices[extent.z + z] + extent.x;
-        for (int y = 2 * cellY; y < lastY; ++y)
-        {
-            const int16_t* row = slice + size_t(extent.y + y) * size_t(volume.nx);
-            if (extent.leftX >= kRowVoxels)
-                AddRow(range, row, kRowVoxels); // a width that the compiler knows: a fifth faster
-            else
-                AddRow(range, row, extent.leftX);
-        }
-    }
-    for (int cellX = 0; cellX < kCellsPerAxis; ++cellX)
-    {
-        const int16_t* low = range.lowest + 2 * cellX;
-        const int16_t* high = range.highest + 2 * cellX;
-        leaves[NodeOf(cellX, cellY, cellZ)] = {std::max({high[0], high[1], high[2]}),
-                                               std::min({low[0], low[1], low[2]}), 0};
-    }
-}
-
-void ScanBlockRange(const VolumeView& volume, const BlockTree& tree, int64_t block)
-{
-    const BlockExtent extent = ExtentOf(tree, block);
-    const BlockRecord& record = tree.blocks[size_t(block)];
-    for (int level = 0; level < kLevelCount; ++level)
-        std::fill_n(record.levels[level], (*record.sizes)[level], kEmptyNode);
-    for (int cellZ = 0; cellZ < kCellsPerAxis && 2 * cellZ < extent.leftZ; ++cellZ)
-        for (int cellY = 0; cellY < kCellsPerAxis && 2 * cellY < extent.leftY; ++cellY)
-            ScanLeafRow(volume, extent, cellY, cellZ, record.levels[kLeafLevel]);
-    for (int level = kLeafLevel; level > 0; --level)
-    {
-        for (int child = 0; child < (*record.sizes)[level]; ++child)
-        {
-            const BlockNode& from = record.levels[level][child];
-            BlockNode& parent = record.levels[level - 1][child / 8];
-            parent.max = std::max(parent.max, from.max);
-            parent.min = std::min(parent.min, from.min);
-        }
-    }
-}
 
 // How many visible values lie below each stored value: whether a range holds one is then one subtraction.
 class VisibleValues
@@ -325,29 +235,6 @@ bool BuildBlockTree(const KsVolumeData& volume, BlockTree& tree)
         }
     }
     tree = std::move(built);
-    return true;
-}
-
-bool ComputeBlockRanges(const VolumeView& volume, BlockTree& tree)
-{
-    if (tree.blocks.empty())
-        return false;
-    FanOut(tree.blockCount,
-           [&](int64_t first, int64_t end) noexcept
-           {
-               for (int64_t block = first; block < end; ++block)
-               {
-                   ScanBlockRange(volume, tree, block);
-                   tree.rootMasks[size_t(block)] = 0;
-               }
-           });
-    tree.lowest = kNoMinimum;
-    tree.highest = kNoMaximum;
-    for (const BlockRecord& block : tree.blocks)
-    {
-        tree.lowest = std::min(tree.lowest, block.levels[0][0].min);
-        tree.highest = std::max(tree.highest, block.levels[0][0].max);
-    }
     return true;
 }
 
