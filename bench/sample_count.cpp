@@ -4,6 +4,7 @@
 #define KERNEL_ISA counting
 #define KERNEL_LANES 4
 #include "core/simd/sampling.h"
+#include "render3d/kernels/cast_rays.h"
 #include "render3d/kernels/visible_run.h"
 
 #include <algorithm>
@@ -35,13 +36,10 @@ counting::FloatPack OpacitiesAt(const render3d::Scene& scene, const counting::Ve
 int64_t SamplesOn(const render3d::Scene& scene, const render3d::RayBatch& batch, int first)
 {
     using namespace counting;
-    const RayPack rays = LoadRays(batch, first, scene.inverseRelativeSpacing);
-    PlacePack place = EntryOf(batch, first, scene.volume);
+    auto [rays, place, live] = CastRays(scene, batch, first);
     FloatPack transmittance = FloatPack{} + 1.0f;
     const FloatPack somewhere = FloatPack{} + 1.0f;
-    IntPack live = place.distance < rays.exitDistance, steps = {}, samples = {};
-    for (int lane = batch.count - first; lane < kLanes; ++lane)
-        live[lane] = 0;
+    IntPack steps = {}, samples = {};
     const CellExits exits(rays);
     while (Any(live))
     {

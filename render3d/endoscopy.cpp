@@ -36,7 +36,6 @@ void RenderEndoscopy(const VolumeSlot& slot, const VolumePalette& palette, Vec3f
 {
     const ViewPlane plane(image.param);
     const Frame frame(slot, &palette);
-    const Vec3f indexEye = PatientToIndex(slot.geometry, eye);
     FanOut(plane.rows * plane.columns,
            [&](int64_t first, int64_t end) noexcept
            {
@@ -44,8 +43,7 @@ void RenderEndoscopy(const VolumeSlot& slot, const VolumePalette& palette, Vec3f
                for (int64_t pixel = first; pixel < end; ++pixel)
                {
                    const Vec3f through = plane.PixelAt(pixel % plane.columns, pixel / plane.columns);
-                   batcher.Add(eye, indexEye, CourseOf(slot.geometry, UnitOrZero(through - eye), kRenderingStep),
-                               size_t(pixel));
+                   batcher.Add(eye, UnitOrZero(through - eye), size_t(pixel));
                }
            });
 }

@@ -49,7 +49,13 @@ Frame::Frame(const VolumeSlot& slot, const VolumePalette* palette)
               slot.blocks.blocksX, slot.blocks.blocksPerLayer},
              &palette_,
              slot.geometry.directions,
-             slot.geometry.inverseRelativeSpacing},
+             slot.geometry.relativeSpacing,
+             slot.geometry.inverseRelativeSpacing,
+             {slot.geometry.origin, slot.geometry.spacing, slot.geometry.directions.row,
+              slot.geometry.directions.column, slot.geometry.normal, slot.geometry.sliceInFrame},
+             {slot.geometry.visibleBox.min, slot.geometry.visibleBox.max},
+             {slot.geometry.lowerBound, slot.geometry.upperBound},
+             slot.geometry.spacing.x > 0 && slot.geometry.spacing.y > 0 && slot.geometry.spacing.z > 0},
       geometry_(slot.geometry)
 {
     if (!palette)

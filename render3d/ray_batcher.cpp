@@ -29,30 +29,16 @@ RayCourse CourseOf(const VolumeGeometry& geometry, Vec3f patientDirection, float
     return course;
 }
 
-void AppendRay(const VolumeGeometry& geometry, Vec3f patientStart, Vec3f indexStart, const RayCourse& course,
-               std::span<const BlendLayer> layers, RayBatch& batch)
+void AppendRay(Vec3f start, Vec3f direction, std::span<const BlendLayer> layers, RayBatch& batch)
 {
     const int ray = batch.count++;
-    const auto store = [ray](Vec3f v, float* x, float* y, float* z)
-    {
-        x[ray] = v.x;
-        y[ray] = v.y;
-        z[ray] = v.z;
-    };
-    store(indexStart, batch.startX, batch.startY, batch.startZ);
-    store(course.indexDirection, batch.directionX, batch.directionY, batch.directionZ);
-    store(course.indexStep, batch.stepX, batch.stepY, batch.stepZ);
-    store(course.patientDirection, batch.lightX, batch.lightY, batch.lightZ);
-    batch.stepLength[ray] = course.stepLength;
+    batch.startX[ray] = start.x;
+    batch.startY[ray] = start.y;
+    batch.startZ[ray] = start.z;
+    batch.directionX[ray] = direction.x;
+    batch.directionY[ray] = direction.y;
+    batch.directionZ[ray] = direction.z;
     std::copy(layers.begin(), layers.end(), batch.layers[ray]);
     batch.layerCount[ray] = int(layers.size());
-
-    const std::optional<ClippedRay> clipped = ClipRay(geometry, patientStart, indexStart, course.patientDirection,
-                                                      course.indexDirection, geometry.visibleBox);
-    store(clipped ? clipped->entry : Vec3f{0, 0, 0}, batch.entryX, batch.entryY, batch.entryZ);
-    batch.entryDistance[ray] = clipped ? clipped->entryDistance : 0.0f;
-    // A ray that goes nowhere has no exit of its own.
-    const float exit = clipped && !IsZero(course.indexDirection) ? clipped->exitDistance : course.farthest;
-    batch.exitDistance[ray] = clipped ? std::min(exit, course.farthest) : 0.0f;
 }
 } // namespace corvane::render3d

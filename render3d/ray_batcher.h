@@ -8,8 +8,7 @@
 
 namespace corvane::render3d
 {
-// Steps along a ray, in units of the smallest spacing.
-constexpr float kRenderingStep = 0.33f;
+// The step along a projection's ray, in units of the smallest spacing.
 constexpr float kProjectionStep = 1.0f;
 
 // How a ray runs: unit directions in patient and in voxel-index space, and its step in the latter. A direction of
@@ -26,11 +25,9 @@ struct RayCourse
 // The course of a ray in patient space, with steps of a multiple of the smallest spacing.
 RayCourse CourseOf(const core::VolumeGeometry& geometry, core::Vec3f patientDirection, float step);
 
-// Clips a ray to the visible box and appends it to a batch.
-//   patientStart, indexStart  the same point in either space
-//   layers                    the flat images that it crosses, by depth
-void AppendRay(const core::VolumeGeometry& geometry, core::Vec3f patientStart, core::Vec3f indexStart,
-               const RayCourse& course, std::span<const BlendLayer> layers, RayBatch& batch);
+// Appends a ray in patient space to a batch.
+//   layers  the flat images that it crosses, by depth
+void AppendRay(core::Vec3f start, core::Vec3f direction, std::span<const BlendLayer> layers, RayBatch& batch);
 
 // Hands rays to a kernel a batch at a time and puts its pixels into their places. One per worker.
 template <class Pixel>
@@ -45,11 +42,10 @@ public:
     RayBatcher& operator=(const RayBatcher&) = delete;
 
     // A ray for the pixel of an index; the others as for AppendRay.
-    void Add(core::Vec3f patientStart, core::Vec3f indexStart, const RayCourse& course, size_t pixel,
-             std::span<const BlendLayer> layers = {})
+    void Add(core::Vec3f start, core::Vec3f direction, size_t pixel, std::span<const BlendLayer> layers = {})
     {
         pixelOf_[batch_.count] = pixel;
-        AppendRay(frame_.Geometry(), patientStart, indexStart, course, layers, batch_);
+        AppendRay(start, direction, layers, batch_);
         if (batch_.count == kRaysPerBatch)
             Flush();
     }

@@ -16,23 +16,27 @@ void RenderVolume(const VolumeSlot& slot, const VolumePalette& palette, const Bl
     rectangle = LimitToImage(rectangle, plane);
 
     const Frame frame(slot, &palette);
-    const RayCourse course = CourseOf(slot.geometry, plane.ViewDirection(), kRenderingStep);
-    FanOut(
-        rectangle.PixelCount(),
-        [&](int64_t first, int64_t end) noexcept
-        {
-            RayBatcher<uint32_t> batcher(frame, kernels.integrateRays, image.pixels);
-            for (int64_t pixel = first; pixel < end; ++pixel)
-            {
-                const int64_t column = rectangle.x0 + pixel % rectangle.Width();
-                const int64_t row = rectangle.y0 + pixel / rectangle.Width();
-                const size_t index = size_t(row) * size_t(plane.columns) + size_t(column);
-                const Vec3f start = plane.PixelAt(column, row);
-                BlendLayer layers[kMostBlendLayers];
-                const int layerCount =
-                    GatherLayers(blends, slot.geometry, start, course.patientDirection, column, row, index, layers);
-                batcher.Add(start, PatientToIndex(slot.geometry, start), course, index, {layers, size_t(layerCount)});
-            }
-        });
+    const Vec3f direction = plane.ViewDirection();
+    FanOut(rectangle.PixelCount(),
+           [&](int64_t first, int64_t end) noexcept
+           {
+               RayBatcher<uint32_t> batcher(frame, kernels.integrateRays, image.pixels);
+               int64_t column = rectangle.x0 + first % rectangle.Width();
+               int64_t row = rectangle.y0 + first / rectangle.Width();
+               for (int64_t pixel = first; pixel < end; ++pixel)
+               {
+                   const size_t index = size_t(row) * size_t(plane.columns) + size_t(column);
+                   const Vec3f start = plane.PixelAt(column, row);
+                   BlendLayer layers[kMostBlendLayers];
+                   const int layerCount =
+                       GatherLayers(blends, slot.geometry, start, direction, column, row, index, layers);
+                   batcher.Add(start, direction, index, {layers, size_t(layerCount)});
+                   if (++column > rectangle.x1)
+                   {
+                       column = rectangle.x0;
+                       ++row;
+                   }
+               }
+           });
 }
 } // namespace corvane::render3d

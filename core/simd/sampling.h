@@ -80,8 +80,12 @@ struct CellVoxels
 // i, j, k with all eight voxels inside the volume, whose slices hold fewer than 2^31 voxels (not tested here).
 inline CellVoxels LoadCell(const core::VolumeView& volume, IntPack i, IntPack j, IntPack k)
 {
-    const VoxelPointers near(volume, i, j, k, 0), far(volume, i, j, k, 1);
-    return {near.PairsAt(0), near.PairsAt(volume.nx), far.PairsAt(0), far.PairsAt(volume.nx)};
+    const VoxelPointers near(volume, i, j, k, 0);
+    const int64_t nx = volume.nx, stride = volume.sliceStride;
+    if (stride != 0)
+        return {near.PairsAt(0), near.PairsAt(nx), near.PairsAt(stride), near.PairsAt(stride + nx)};
+    const VoxelPointers far(volume, i, j, k, 1);
+    return {near.PairsAt(0), near.PairsAt(nx), far.PairsAt(0), far.PairsAt(nx)};
 }
 
 // Stored value inside a cell, at fractions u, v, w along x, y, z: interpolated along z, then x, then y.

@@ -1,5 +1,6 @@
 #include "integrate_rays.h"
 
+#include "cast_rays.h"
 #include "sample_queue.h"
 #include "visible_run.h"
 
@@ -30,22 +31,19 @@ class PackWalk
 {
 public:
     PackWalk(const Scene& scene, const RayBatch& batch, int first)
-        : scene_(scene), batch_(batch), first_(first), rays_(LoadRays(batch, first, scene.inverseRelativeSpacing)),
-          exits_(rays_), place_(EntryOf(batch, first, scene.volume))
+        : scene_(scene), batch_(batch), first_(first), cast_(CastRays(scene, batch, first)), exits_(cast_.rays)
     {
-        StoreQuads({rays_.step.x, rays_.step.y, rays_.step.z, rays_.stepLength}, steps_);
-        StoreFloats(rays_.exitDistance, exitDistances_);
+        const RayPack& rays = cast_.rays;
+        StoreQuads({rays.step.x, rays.step.y, rays.step.z, rays.stepLength}, steps_);
+        StoreFloats(rays.exitDistance, exitDistances_);
         for (int lane = 0; lane < kLanes && first + lane < batch.count; ++lane)
-        {
-            live_[lane] = batch.entryDistance[first + lane] < batch.exitDistance[first + lane] ? -1 : 0;
             AwaitLayer(lane);
-        }
     }
 
-    bool IsLive() const { return Any(live_); }
+    bool IsLive() const { return Any(cast_.live); }
 
     // Brings every ray to its next cell.
-    void Visit() { sampled_ = VisitCells(scene_, rays_, exits_, place_, live_, stepCounts_); }
+    void Visit() { sampled_ = VisitCells(scene_, cast_.rays, exits_, cast_.place, cast_.live, stepCounts_); }
 
     // Hands the places of the steps in visible cells to the queue.
     void TakeSteps(const BatchLight& light, SampleQueue& queue)
@@ -55,16 +53,17 @@ public:
         int32_t counts[kLanes];
         StoreInts(stepCounts_, counts);
         Quad standing[kLanes];
-        StoreQuads({place_.position.x, place_.position.y, place_.position.z, place_.distance}, standing);
+        PlacePack& place = cast_.place;
+        StoreQuads({place.position.x, place.position.y, place.position.z, place.distance}, standing);
         for (uint32_t bits = BitsOf(sampled_); bits;)
         {
             const int lane = NextBit(bits);
             standing[lane] = TakeSteps(lane, standing[lane], counts[lane], queue);
         }
         const QuadPack at = LoadQuads(standing);
-        place_.position = {at.x, at.y, at.z};
-        place_.distance = at.w;
-        live_ &= LoadFloats(light.transmittance + first_) >= kOpaque;
+        place.position = {at.x, at.y, at.z};
+        place.distance = at.w;
+        cast_.live &= LoadFloats(light.transmittance + first_) >= kOpaque;
     }
 
 private:
@@ -103,10 +102,9 @@ private:
     const Scene& scene_;
     const RayBatch& batch_;
     int first_; // of the batch
-    RayPack rays_;
+    CastPack cast_;
     CellExits exits_;
-    PlacePack place_;
-    IntPack live_ = {}, sampled_ = {}, stepCounts_ = {};
+    IntPack sampled_ = {}, stepCounts_ = {};
     Quad steps_[kLanes];
     float exitDistances_[kLanes], layerDepths_[kLanes];
     int layersPassed_[kLanes] = {};
@@ -119,7 +117,7 @@ void IntegrateRays(const Scene& scene, const RayBatch& batch, uint32_t* pixels)
     for (int ray = 0; ray < batch.count; ++ray)
     {
         light.transmittance[ray] = 1.0f;
-        light.axis[ray] = Quad{batch.lightX[ray], batch.lightY[ray], batch.lightZ[ray], 0.0f};
+        light.axis[ray] = Quad{batch.directionX[ray], batch.directionY[ray], batch.directionZ[ray], 0.0f};
     }
     SampleQueue queue(scene, batch, light);
     // Two packs at a time: one computes while the other waits for its divisions and for memory.

@@ -9,6 +9,20 @@
 // The kernels of the 3D renderer, compiled once per instruction set and reached through one table.
 namespace corvane::render3d
 {
+// How a volume lies in patient space; see core/geometry.h.
+struct PatientFrame
+{
+    core::Vec3f origin, spacing;
+    core::Vec3f row, column, normal;
+    core::Vec3f sliceInFrame; // slice direction along row, column and normal
+};
+
+// A box with faces perpendicular to the axes.
+struct ClipBounds
+{
+    core::Vec3f min, max;
+};
+
 // What every ray of a frame sees. All borrowed for the frame.
 struct Scene
 {
@@ -17,7 +31,12 @@ struct Scene
     core::BlockView blocks; // brought up to date with labels and palette
     const core::PaletteView* palette;
     core::Directions directions;        // of the volume
+    core::Vec3f relativeSpacing;        // spacing / smallest spacing
     core::Vec3f inverseRelativeSpacing; // smallest spacing / spacing
+    PatientFrame frame;
+    ClipBounds box;    // patient: what is to be seen
+    ClipBounds bounds; // where samples have all their neighbours
+    bool anyHits;      // false: the volume has no extent, every ray misses
 };
 
 // A flat image where it crosses a ray.
@@ -31,34 +50,14 @@ struct BlendLayer
 constexpr int kMostBlendLayers = 4;
 constexpr int kRaysPerBatch = 32; // a whole number of pairs of packs of every instruction set
 
-// A few rays, one array per number so that kernels load neighbours side by side. Places, directions and distances are
-// in voxel-index space.
+// A few rays in patient space, one array per number so that kernels load neighbours side by side.
 struct RayBatch
 {
     int count;
     float startX[kRaysPerBatch], startY[kRaysPerBatch], startZ[kRaysPerBatch];
     float directionX[kRaysPerBatch], directionY[kRaysPerBatch], directionZ[kRaysPerBatch]; // unit vectors, or 0
-    float stepX[kRaysPerBatch], stepY[kRaysPerBatch], stepZ[kRaysPerBatch];
-    float stepLength[kRaysPerBatch];
-    float entryX[kRaysPerBatch], entryY[kRaysPerBatch], entryZ[kRaysPerBatch];
-    float entryDistance[kRaysPerBatch], exitDistance[kRaysPerBatch]; // entry at or behind exit: the ray misses
-    float lightX[kRaysPerBatch], lightY[kRaysPerBatch], lightZ[kRaysPerBatch]; // patient space
-    BlendLayer layers[kRaysPerBatch][kMostBlendLayers];                        // by depth
+    BlendLayer layers[kRaysPerBatch][kMostBlendLayers];                                    // by depth
     int layerCount[kRaysPerBatch];
-};
-
-// How a volume lies in patient space; see core/geometry.h.
-struct PatientFrame
-{
-    core::Vec3f origin, spacing;
-    core::Vec3f row, column, normal;
-    core::Vec3f sliceInFrame; // slice direction along row, column and normal
-};
-
-// A box with faces perpendicular to the axes.
-struct ClipBounds
-{
-    core::Vec3f min, max;
 };
 
 // The rays of the pixels of an image, all perpendicular to it. Directions and lengths are in voxel-index space where
@@ -83,8 +82,9 @@ struct KernelTable
 {
     const char* instructionSet; // the name of the copy's namespace
 
-    // Composites the visible samples and the blend layers of each ray front to back into a pixel: bits 0 to 7 coverage,
-    // 8 to 15 red, 16 to 23 green, 24 to 31 blue. Never reads outside the volume, and ends for every input.
+    // Composites the visible samples, in steps of a third of the smallest spacing, and the blend layers of each ray
+    // front to back into a pixel: bits 0 to 7 coverage, 8 to 15 red, 16 to 23 green, 24 to 31 blue. Never reads outside
+    // the volume, and ends for every input.
     void (*integrateRays)(const Scene& scene, const RayBatch& rays, uint32_t* pixels);
 
     // Highest, lowest and mean stored value of the samples, whose label is shown, on the rays of the pixels from

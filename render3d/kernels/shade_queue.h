@@ -20,7 +20,11 @@ struct BatchLight
 class ShadeQueue
 {
 public:
-    ShadeQueue(const render3d::Scene& scene, BatchLight& light) : scene_(scene), light_(light) {}
+    ShadeQueue(const render3d::Scene& scene, BatchLight& light) : scene_(scene), light_(light)
+    {
+        const uint8_t label0[kLanes] = {};
+        weightsOfLabel0_ = WeightsOf(label0);
+    }
 
     // A sample that so much of the light behind it passes through to.
     void Add(Quad place, int ray, int label, int index, float opacity, float transmittance)
@@ -56,19 +60,13 @@ private:
     {
         const QuadPack place = LoadQuads(places_ + first);
         Quad axes[kLanes];
-        FloatPack ambient, diffuse, specular;
         for (int lane = 0; lane < kLanes; ++lane)
-        {
             axes[lane] = light_.axis[rays_[first + lane]];
-            const core::PaletteEntryView& entry = scene_.palette->entries[labels_[first + lane]];
-            ambient[lane] = entry.ambient;
-            diffuse[lane] = entry.diffuse;
-            specular[lane] = entry.specular;
-        }
         const QuadPack axis = LoadQuads(axes);
         const FloatPack facing =
             Facing(scene_, SampleGradient(scene_.volume, place.x, place.y, place.z), {axis.x, axis.y, axis.z});
-        const FloatPack shade = ambient + diffuse * facing + specular * Power96(facing);
+        const Weights weights = scene_.labels.slices ? WeightsOf(labels_ + first) : weightsOfLabel0_;
+        const FloatPack shade = weights.ambient + weights.diffuse * facing + weights.specular * Power96(facing);
         const FloatPack share = shade * LoadFloats(opacities_ + first) * LoadFloats(transmittances_ + first);
         float shares[kLanes];
         StoreFloats(share, shares);
@@ -80,8 +78,27 @@ private:
         }
     }
 
+    struct Weights
+    {
+        FloatPack ambient, diffuse, specular;
+    };
+
+    Weights WeightsOf(const uint8_t* labels) const
+    {
+        Weights weights;
+        for (int lane = 0; lane < kLanes; ++lane)
+        {
+            const core::PaletteEntryView& entry = scene_.palette->entries[labels[lane]];
+            weights.ambient[lane] = entry.ambient;
+            weights.diffuse[lane] = entry.diffuse;
+            weights.specular[lane] = entry.specular;
+        }
+        return weights;
+    }
+
     static constexpr int kCapacity = 64;
     const render3d::Scene& scene_;
+    Weights weightsOfLabel0_;
     BatchLight& light_;
     int count_ = 0;
     Quad places_[kCapacity];

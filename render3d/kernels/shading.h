@@ -16,26 +16,41 @@ struct NeighbourVoxels
     IntPack before[2], after[2];     // [row]
 };
 
+// Where the voxels of four slices lie.
+struct FourSlices
+{
+    const VoxelPointers &before, &near, &far, &after;
+    int64_t stride; // added once per slice
+};
+
+inline NeighbourVoxels LoadFrom(const FourSlices& slices, int64_t nx)
+{
+    NeighbourVoxels voxels;
+    for (int slice = 0; slice < 2; ++slice)
+    {
+        const VoxelPointers& pointers = slice == 0 ? slices.near : slices.far;
+        const int64_t start = slice * slices.stride;
+        for (int row = 0; row < 2; ++row)
+            pointers.TwoPairsAt(start + row * nx - 1, voxels.left[slice][row], voxels.right[slice][row]);
+        voxels.above[slice] = pointers.PairsAt(start - nx);
+        voxels.below[slice] = pointers.PairsAt(start + 2 * nx);
+    }
+    for (int row = 0; row < 2; ++row)
+    {
+        voxels.before[row] = slices.before.PairsAt(row * nx - slices.stride);
+        voxels.after[row] = slices.after.PairsAt(row * nx + 2 * slices.stride);
+    }
+    return voxels;
+}
+
 // i, j, k as for LoadCell, with one more voxel on every side.
 inline NeighbourVoxels LoadNeighbours(const core::VolumeView& volume, IntPack i, IntPack j, IntPack k)
 {
-    NeighbourVoxels voxels;
-    const int64_t nx = volume.nx;
-    for (int slice = 0; slice < 2; ++slice)
-    {
-        const VoxelPointers pointers(volume, i, j, k, slice);
-        for (int row = 0; row < 2; ++row)
-            pointers.TwoPairsAt(row * nx - 1, voxels.left[slice][row], voxels.right[slice][row]);
-        voxels.above[slice] = pointers.PairsAt(-nx);
-        voxels.below[slice] = pointers.PairsAt(2 * nx);
-    }
-    const VoxelPointers before(volume, i, j, k, -1), after(volume, i, j, k, 2);
-    for (int row = 0; row < 2; ++row)
-    {
-        voxels.before[row] = before.PairsAt(row * nx);
-        voxels.after[row] = after.PairsAt(row * nx);
-    }
-    return voxels;
+    const VoxelPointers near(volume, i, j, k, 0);
+    if (volume.sliceStride != 0)
+        return LoadFrom({near, near, near, near, volume.sliceStride}, volume.nx);
+    const VoxelPointers before(volume, i, j, k, -1), far(volume, i, j, k, 1), after(volume, i, j, k, 2);
+    return LoadFrom({before, near, far, after, 0}, volume.nx);
 }
 
 // Gradient between voxels: central differences at the eight neighbours, interpolated as values are. Twice its true
