@@ -9,6 +9,36 @@
 #include <stddef.h>
 #include <stdint.h>
 
+// The same records serve C: there a record is called by its name alone, defaults are left out and an enumeration is an
+// integer of its width.
+#ifdef __cplusplus
+#define CORVANE_DEFAULT(...) = __VA_ARGS__
+#define CORVANE_INT32 : int32_t
+#else
+#define CORVANE_DEFAULT(...)
+#define CORVANE_INT32
+typedef struct KsVolumeData KsVolumeData;
+typedef struct KsVolumeMark KsVolumeMark;
+typedef struct PnImageParam PnImageParam;
+typedef struct PnImageRGB PnImageRGB;
+typedef struct KsImageVAL KsImageVAL;
+typedef struct KsImageMark KsImageMark;
+typedef struct KsImageData KsImageData;
+typedef struct KsMarkData KsMarkData;
+typedef struct KsPalettePoint KsPalettePoint;
+typedef struct KsPalette KsPalette;
+typedef struct VolumePaletteEntry VolumePaletteEntry;
+typedef struct VolumePalette VolumePalette;
+typedef struct KsViewPoint KsViewPoint;
+typedef struct KsCamera KsCamera;
+typedef struct KsSliceParam KsSliceParam;
+typedef struct KsBlendImage KsBlendImage;
+typedef struct KsPlaneFrame KsPlaneFrame;
+typedef struct KsMPRParam KsMPRParam;
+typedef int32_t KsRender;
+typedef int32_t KsMPRType;
+#endif
+
 // A volume of stored values. Voxel (i, j, k) lies at
 // origin + i * spacing[0] * rowDirection + j * spacing[1] * columnDirection + k * spacing[2] * sliceDirection.
 // The slice direction need not be perpendicular to the other two: a tilted stack is described as it is.
@@ -103,12 +133,12 @@ struct KsPalettePoint
 // A transfer function as the host gives it. Accepted with at least two points.
 struct KsPalette
 {
-    uint8_t visible = 1;
-    float shading[3] = {0.11f, 0.816f, 0.0f}; // ambient, diffuse, specular
-    float opacity = 1.0f;                     // overall opacity
-    int32_t pointCount = 0;
-    KsPalettePoint* points = nullptr;
-    uint8_t ownsPoints = 0; // not 0: the points are freed with the record
+    uint8_t visible CORVANE_DEFAULT(1);
+    float shading[3] CORVANE_DEFAULT({0.11f, 0.816f, 0.0f}); // ambient, diffuse, specular
+    float opacity CORVANE_DEFAULT(1.0f);                     // overall opacity
+    int32_t pointCount CORVANE_DEFAULT(0);
+    KsPalettePoint* points CORVANE_DEFAULT(nullptr);
+    uint8_t ownsPoints CORVANE_DEFAULT(0); // not 0: the points are freed with the record
 };
 
 // Lookup tables of one label: one entry for each stored value from rangeStart to rangeEnd.
@@ -187,20 +217,24 @@ struct KsMPRParam
 };
 
 // How Engine3D looks at the volume.
-enum KsRender : int32_t
+enum KsRender CORVANE_INT32
 {
     KsRenderParallel = 0,   // orthographic camera: volume rendering and intensity projections
     KsRenderPerspective = 1 // perspective camera: virtual endoscopy
 };
 
 // The three reconstruction planes, as they stand before any rotation.
-enum KsMPRType : int32_t
+enum KsMPRType CORVANE_INT32
 {
     KsMPRTransverse = 1, // row (1, 0, 0), column (0, 1, 0), normal (0, 0, 1)
     KsMPRSagittal = 2,   // row (0, 1, 0), column (0, 0, -1), normal (-1, 0, 0)
     KsMPRCoronal = 3     // row (1, 0, 0), column (0, 0, -1), normal (0, 1, 0)
 };
 
+#undef CORVANE_DEFAULT
+#undef CORVANE_INT32
+
+#ifdef __cplusplus
 static_assert(sizeof(void*) == 8, "the binary interface is that of 64-bit machines");
 static_assert(sizeof(KsVolumeData) == 80 && offsetof(KsVolumeData, sizeX) == 8, "");
 static_assert(offsetof(KsVolumeData, spacing) == 20 && offsetof(KsVolumeData, origin) == 32, "");
@@ -232,5 +266,6 @@ static_assert(sizeof(KsBlendImage) == 232 && offsetof(KsBlendImage, pixels) == 3
 static_assert(offsetof(KsBlendImage, rowDirection) == 160 && offsetof(KsBlendImage, position) == 208, "");
 static_assert(sizeof(KsMPRParam) == 240 && offsetof(KsMPRParam, coronal) == 96, "");
 static_assert(sizeof(KsRender) == 4 && sizeof(KsMPRType) == 4, "");
+#endif
 
 #endif
