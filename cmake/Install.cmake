@@ -6,7 +6,7 @@ endif()
 include(CMakePackageConfigHelpers)
 set(corvanePackageDir ${CMAKE_INSTALL_LIBDIR}/cmake/corvane)
 
-install(TARGETS corvane trevik EXPORT corvaneTargets
+install(TARGETS corvane corvane_c trevik EXPORT corvaneTargets
     RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} # DLLs
     LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
     ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
@@ -21,11 +21,13 @@ write_basic_package_version_file(corvaneConfigVersion.cmake COMPATIBILITY SameMi
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/corvaneConfig.cmake ${CMAKE_CURRENT_BINARY_DIR}/corvaneConfigVersion.cmake
     DESTINATION ${corvanePackageDir})
 
-# pkg-config corvane. The prefix is found from the place of the file itself.
+# pkg-config corvane, corvane_c. The prefix is found from the place of the file itself.
 file(RELATIVE_PATH corvanePrefixFromPkgConfig /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
 string(REGEX REPLACE "/$" "" corvanePrefixFromPkgConfig ${corvanePrefixFromPkgConfig})
-configure_file(cmake/corvane.pc.in corvane.pc @ONLY)
-install(FILES ${CMAKE_CURRENT_BINARY_DIR}/corvane.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+foreach(library corvane corvane_c)
+    configure_file(cmake/${library}.pc.in ${library}.pc @ONLY)
+    install(FILES ${CMAKE_CURRENT_BINARY_DIR}/${library}.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+endforeach()
 
 # Installed programs find the library beside them. Holds for every target that is added after this line.
 file(RELATIVE_PATH corvaneLibFromBin /${CMAKE_INSTALL_BINDIR} /${CMAKE_INSTALL_LIBDIR})

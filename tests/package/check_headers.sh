@@ -30,7 +30,27 @@ compile()
     [ $count -gt 0 ] || status=1
 }
 
+# The C interface, as strict C99.
+compileAsC()
+{
+    local compiler=$1 header
+    if ! command -v "$compiler" >/dev/null; then
+        echo "$compiler is not installed" >&2
+        [ "${CI:-}" != true ] || status=1
+        return
+    fi
+    for header in "$include"/corvane/corvane_c*.h "$include"/corvane/Records.h; do
+        if ! "$compiler" -std=c99 -pedantic -Wall -Wextra -Werror -I"$include" -fsyntax-only -x c - \
+            <<<"#include <${header#"$include"/}>"; then
+            echo "$compiler, C99: ${header#"$include"/} does not compile on its own" >&2
+            status=1
+        fi
+    done
+}
+
 compile "g++" g++
 compile "clang++" clang++
 compile "clang++ for Windows" clang++ --target=x86_64-pc-windows-msvc -nostdlibinc
+compileAsC gcc
+compileAsC clang
 exit $status

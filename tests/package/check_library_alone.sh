@@ -26,6 +26,6 @@ if foreign=$(grep -vE '"args":\["Threads"' <<<"$searches") && [ -n "$foreign" ];
 fi
 
 cmake --build "$work/build" >"$work/log" 2>&1 || fail "the library alone does not build"
-for library in corvane trevik; do
+for library in corvane corvane_c trevik; do
     [ -n "$(find "$work/build" -name "lib$library.so")" ] || fail "lib$library.so was not built"
 done
