@@ -1,5 +1,5 @@
 #include "c_handles.h"
-#include "hostile_values.h"
+#include "hostile_records.h"
 
 #include <gtest/gtest.h>
 
