@@ -44,12 +44,17 @@ CorvaneStatus IsVolume(const KsVolumeData* volume)
         std::all_of(volume->slices, volume->slices + volume->sizeZ, [](const int16_t* slice) { return slice; }));
 }
 
+CorvaneStatus HasRenderableSizes(const KsVolumeData& volume)
+{
+    const auto isSize = [](int32_t size) { return size >= 1 && size <= kLargestSize; };
+    return Require(isSize(volume.sizeX) && isSize(volume.sizeY) && isSize(volume.sizeZ) &&
+                   int64_t(volume.sizeX) * volume.sizeY <= kLargestSlice);
+}
+
 CorvaneStatus IsRenderableVolume(const KsVolumeData* volume)
 {
     // The size along z comes first: it says how long the slice table is.
-    return First(Require(volume && volume->sizeZ <= kLargestSize && volume->sizeX <= kLargestSize &&
-                         volume->sizeY <= kLargestSize && int64_t(volume->sizeX) * volume->sizeY <= kLargestSlice),
-                 IsVolume(volume));
+    return volume && HasRenderableSizes(*volume) == CORVANE_OK ? IsVolume(volume) : CORVANE_ERROR_ARGUMENT;
 }
 
 CorvaneStatus IsMark(const KsVolumeMark* mark)

@@ -36,7 +36,10 @@ CorvaneStatus Finite3(const float* numbers);
 // A volume with voxels: a slice table without gaps and sizes of at least 1.
 CorvaneStatus IsVolume(const KsVolumeData* volume);
 
-// A volume that Engine3D and Render3D can take, whose sizes are limited.
+// Sizes that Engine3D and Render3D take.
+CorvaneStatus HasRenderableSizes(const KsVolumeData& volume);
+
+// A volume with voxels and such sizes.
 CorvaneStatus IsRenderableVolume(const KsVolumeData* volume);
 
 // Labels with a slice table without gaps; sizes are compared with the volume's by the library.

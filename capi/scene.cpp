@@ -25,16 +25,16 @@ bool Scene::IsUsable()
     return camera_.GetMarkData() && render_.SetPalette({}) && planes_.GetParams(planes) && reslice_.GetMarkData();
 }
 
-CorvaneStatus Scene::Load(const KsVolumeData& volume)
+CorvaneStatus Scene::Load(const KsVolumeData& volume, const int16_t* voxels)
 {
-    // The volume may be the scene's own.
-    std::vector<const int16_t*> slices(volume.slices, volume.slices + volume.sizeZ);
-    KsVolumeData taken = volume;
-    taken.slices = slices.data();
     Clear();
-    slices_ = std::move(slices);
     try
     {
+        const uint64_t sliceSize = uint64_t(volume.sizeX) * uint64_t(volume.sizeY);
+        for (int32_t k = 0; k < volume.sizeZ; ++k)
+            slices_.push_back(voxels ? voxels + uint64_t(k) * sliceSize : volume.slices[k]);
+        KsVolumeData taken = volume;
+        taken.slices = slices_.data();
         if (LoadRenderers(taken))
             return CORVANE_OK;
     }

@@ -26,7 +26,9 @@ public:
     // Whether the objects of a new scene got the memory that they need.
     bool IsUsable();
 
-    CorvaneStatus Load(const KsVolumeData& volume);
+    // What was loaded before is forgotten first.
+    //   voxels  of all slices in one piece; null: where the volume's slices are
+    CorvaneStatus Load(const KsVolumeData& volume, const int16_t* voxels);
     void Clear();
     bool HasVolume() const { return volume_.slices; }
     uint64_t VoxelCount() const;

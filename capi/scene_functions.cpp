@@ -10,19 +10,22 @@ using namespace corvane::capi;
 
 namespace
 {
-constexpr int32_t kMostSlices = int32_t(1) << 24;
 constexpr float kLeastThickness = 0.1f; // mm; what the renderer takes
 
-// Sizes that the renderers take, a geometry that is finite, spacings above 0.
-CorvaneStatus IsSceneVolume(const KsVolumeData* volume)
+// Spacings above 0 and numbers that are finite.
+CorvaneStatus HasGeometry(const KsVolumeData& volume)
 {
-    const auto hasGeometry = [&]
-    {
-        return First(Finite3(volume->spacing), Finite3(volume->origin), Finite3(volume->rowDirection),
-                     Finite3(volume->columnDirection), Finite3(volume->sliceDirection),
-                     Require(volume->spacing[0] > 0 && volume->spacing[1] > 0 && volume->spacing[2] > 0));
-    };
-    return First(IsRenderableVolume(volume), volume ? hasGeometry() : CORVANE_OK);
+    return First(Finite3(volume.spacing), Finite3(volume.origin), Finite3(volume.rowDirection),
+                 Finite3(volume.columnDirection), Finite3(volume.sliceDirection),
+                 Require(volume.spacing[0] > 0 && volume.spacing[1] > 0 && volume.spacing[2] > 0));
+}
+
+// How many voxels a volume of sizes that the renderers take has; 0 for other sizes.
+uint64_t VoxelCountOf(const KsVolumeData& volume)
+{
+    return HasRenderableSizes(volume) == CORVANE_OK
+               ? uint64_t(volume.sizeX) * uint64_t(volume.sizeY) * uint64_t(volume.sizeZ)
+               : 0;
 }
 
 // A plane and a buffer that holds its image.
@@ -64,27 +67,17 @@ void corvane_scene_destroy(CorvaneScene* scene) { Destroy(scene); }
 
 CorvaneStatus corvane_scene_set_volume(CorvaneScene* scene, const KsVolumeData* volume)
 {
-    return OneCall(scene, IsSceneVolume(volume), [&](Scene& object) { return object.Load(*volume); });
+    return OneCall(scene, First(IsRenderableVolume(volume), volume ? HasGeometry(*volume) : CORVANE_OK),
+                   [&](Scene& object) { return object.Load(*volume, nullptr); });
 }
 
 CorvaneStatus corvane_scene_set_voxels(CorvaneScene* scene, const KsVolumeData* geometry, const int16_t* voxels,
                                        size_t voxelCount)
 {
-    return OneCall(scene, First(NotNull(geometry, voxels)),
-                   [&](Scene& object) -> CorvaneStatus
-                   {
-                       std::vector<const int16_t*> slices;
-                       KsVolumeData volume = *geometry;
-                       const uint64_t sliceSize = uint64_t(uint32_t(volume.sizeX)) * uint32_t(volume.sizeY);
-                       if (volume.sizeX < 1 || volume.sizeY < 1 || volume.sizeZ < 1 || volume.sizeZ > kMostSlices ||
-                           voxelCount % sliceSize != 0 || voxelCount / sliceSize != uint64_t(volume.sizeZ))
-                           return CORVANE_ERROR_ARGUMENT;
-                       for (int32_t k = 0; k < volume.sizeZ; ++k)
-                           slices.push_back(voxels + uint64_t(k) * sliceSize);
-                       volume.slices = slices.data();
-                       const CorvaneStatus status = IsSceneVolume(&volume);
-                       return status == CORVANE_OK ? object.Load(volume) : status;
-                   });
+    const auto isGiven = [&]
+    { return First(HasGeometry(*geometry), Require(voxelCount > 0 && voxelCount == VoxelCountOf(*geometry))); };
+    return OneCall(scene, First(NotNull(voxels), geometry ? isGiven() : CORVANE_ERROR_ARGUMENT),
+                   [&](Scene& object) { return object.Load(*geometry, voxels); });
 }
 
 CorvaneStatus corvane_scene_clear(CorvaneScene* scene)
