@@ -60,9 +60,9 @@ struct KsVolumeData
 struct KsVolumeMark
 {
     uint8_t** slices; // sizeZ pointers to sizeX * sizeY labels, x fastest; null: no labels
-    uint32_t sizeX;
-    uint32_t sizeY;
-    uint32_t sizeZ;
+    uint32_t sizeX;   // voxels along x
+    uint32_t sizeY;   // voxels along y
+    uint32_t sizeZ;   // voxels along z
 };
 
 // Geometry of one image plane.
@@ -81,22 +81,22 @@ struct PnImageParam
 // A colour image in the host's buffer of rows * columns pixels, row by row. The renderer writes the geometry.
 struct PnImageRGB
 {
-    uint32_t* pixels; // bits 0 to 7 coverage, 8 to 15 red, 16 to 23 green, 24 to 31 blue
-    PnImageParam param;
+    uint32_t* pixels;   // bits 0 to 7 coverage, 8 to 15 red, 16 to 23 green, 24 to 31 blue
+    PnImageParam param; // where the image lies
 };
 
 // An image of stored values in the host's buffer of rows * columns values, row by row; -1024 outside the volume.
 struct KsImageVAL
 {
-    int16_t* values;
-    PnImageParam param;
+    int16_t* values;    // row by row
+    PnImageParam param; // where the image lies
 };
 
 // An image of labels in the host's buffer of rows * columns bytes, row by row; 0 outside the volume.
 struct KsImageMark
 {
-    uint8_t* labels;
-    PnImageParam param;
+    uint8_t* labels;    // row by row
+    PnImageParam param; // where the image lies
 };
 
 // An image of stored values whose buffer the library sizes. Start from a zeroed record and release what is left at
@@ -106,9 +106,9 @@ struct KsImageData
     uint32_t valueCount; // rows * columns while the buffer is the library's
     int16_t* values;     // row by row
     uint8_t ownsValues;  // not 0: the buffer came from the library, which frees it on the next resize
-    uint32_t rows;
-    uint32_t columns;
-    PnImageParam param;
+    uint32_t rows;       // of the buffer
+    uint32_t columns;    // of the buffer
+    PnImageParam param;  // where the image lies
 };
 
 // The same with one label per pixel.
@@ -117,9 +117,9 @@ struct KsMarkData
     uint32_t labelCount; // rows * columns while the buffer is the library's
     uint8_t* labels;     // row by row
     uint8_t ownsLabels;  // not 0: the buffer came from the library, which frees it on the next resize
-    uint32_t rows;
-    uint32_t columns;
-    PnImageParam param;
+    uint32_t rows;       // of the buffer
+    uint32_t columns;    // of the buffer
+    PnImageParam param;  // where the image lies
 };
 
 // One control point of a transfer function.
@@ -133,12 +133,12 @@ struct KsPalettePoint
 // A transfer function as the host gives it. Accepted with at least two points.
 struct KsPalette
 {
-    uint8_t visible CORVANE_DEFAULT(1);
+    uint8_t visible CORVANE_DEFAULT(1);                      // 0: hidden
     float shading[3] CORVANE_DEFAULT({0.11f, 0.816f, 0.0f}); // ambient, diffuse, specular
     float opacity CORVANE_DEFAULT(1.0f);                     // overall opacity
-    int32_t pointCount CORVANE_DEFAULT(0);
-    KsPalettePoint* points CORVANE_DEFAULT(nullptr);
-    uint8_t ownsPoints CORVANE_DEFAULT(0); // not 0: the points are freed with the record
+    int32_t pointCount CORVANE_DEFAULT(0);                   // control points
+    KsPalettePoint* points CORVANE_DEFAULT(nullptr);         // in any order
+    uint8_t ownsPoints CORVANE_DEFAULT(0);                   // not 0: the points are freed with the record
 };
 
 // Lookup tables of one label: one entry for each stored value from rangeStart to rangeEnd.
@@ -150,8 +150,8 @@ struct VolumePaletteEntry
     uint8_t* colours;   // size * 3 bytes: red, green, blue
     float* opacities;   // size opacities
     float opacity;      // overall opacity
-    uint8_t visible;
-    float shading[3]; // ambient, diffuse, specular
+    uint8_t visible;    // 0: hidden
+    float shading[3];   // ambient, diffuse, specular
 };
 
 // Lookup tables of all labels, and for each stored value the sum of the opacities of all visible entries.
@@ -159,61 +159,61 @@ struct VolumePalette
 {
     VolumePaletteEntry* entries[64]; // by label; null: the label has no table
     int32_t sumStart;                // stored value of the first sum
-    int32_t sumLength;
-    float* opacitySums; // sumLength sums
+    int32_t sumLength;               // sums
+    float* opacitySums;              // sumLength sums
 };
 
 // The view of a virtual endoscopy. Row direction of the image: direction x up; column direction: direction x row.
 struct KsViewPoint
 {
-    float eye[3];
-    float direction[3];
-    float up[3];
+    float eye[3];       // where the picture is seen from
+    float direction[3]; // of the line of sight through its middle
+    float up[3];        // what is up in it
 };
 
 // The view of a camera-based intensity projection. Image axes as for KsViewPoint.
 struct KsCamera
 {
-    float center[3]; // centre of the image
-    float direction[3];
-    float up[3];
+    float center[3];    // centre of the image
+    float direction[3]; // of the rays
+    float up[3];        // what is up in the image
 };
 
 // A square plane.
 struct KsSliceParam
 {
-    double position[3]; // first pixel
-    double rowDirection[3];
-    double columnDirection[3];
-    double sideLength; // mm
+    double position[3];        // first pixel
+    double rowDirection[3];    // direction in which the column index grows
+    double columnDirection[3]; // direction in which the row index grows
+    double sideLength;         // mm
 };
 
 // One flat image that is blended into a volume rendering.
 struct KsBlendImage
 {
-    int32_t corners[4][2]; // x, y in output pixels, in the order of the outline
-    uint32_t* pixels;      // as large as the output: bits 8 to 15 red, 16 to 23 green, 24 to 31 blue
-    uint8_t reserved[120]; // the host's; copied, never read
-    double rowDirection[3];
-    double columnDirection[3];
-    double position[3];
+    int32_t corners[4][2];     // x, y in output pixels, in the order of the outline
+    uint32_t* pixels;          // as large as the output: bits 8 to 15 red, 16 to 23 green, 24 to 31 blue
+    uint8_t reserved[120];     // the host's; copied, never read
+    double rowDirection[3];    // of the plane in the patient
+    double columnDirection[3]; // of the plane in the patient
+    double position[3];        // a point of the plane
 };
 
 // Axes of one reconstruction plane: three unit vectors.
 struct KsPlaneFrame
 {
-    double rowDirection[3];
-    double columnDirection[3];
-    double normal[3];
+    double rowDirection[3];    // direction in which the column index grows
+    double columnDirection[3]; // direction in which the row index grows
+    double normal[3];          // the third axis
 };
 
 // The state of the three reconstruction planes. The coronal frame stands before the sagittal one.
 struct KsMPRParam
 {
-    double origin[3]; // the point that the three planes share
-    KsPlaneFrame transverse;
-    KsPlaneFrame coronal;
-    KsPlaneFrame sagittal;
+    double origin[3];        // the point that the three planes share
+    KsPlaneFrame transverse; // across the patient
+    KsPlaneFrame coronal;    // from the front
+    KsPlaneFrame sagittal;   // from the side
 };
 
 // How Engine3D looks at the volume.

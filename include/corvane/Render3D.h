@@ -13,8 +13,8 @@ class CORVANE_API Render3D
 public:
     Render3D();
     ~Render3D();
-    Render3D(const Render3D& other); // both objects stay valid and independent; voxels, labels and tables are shared
-    Render3D& operator=(const Render3D& other);
+    Render3D(const Render3D& other);            // both stay valid and independent; voxels, labels and tables are shared
+    Render3D& operator=(const Render3D& other); // the same
 
     // Takes a volume with its labels and lookup tables and prepares it for rendering. False for a null slice table, a
     // null slice, a size below 1 or above 2^24, slices of 2^31 voxels or more, and when memory is short; the renderer

@@ -63,9 +63,11 @@ enum
     CORVANE_FROM_HEAD = 4, // the front at the top, as in the next one
     CORVANE_FROM_FEET = 5
 };
+
+// A standard view, then turns of the camera: to its right, upwards, and about its line of sight.
 typedef struct CorvaneView
 {
-    int32_t from;
+    int32_t from; // one of the six
     float right;  // radians
     float up;     // radians
     float screen; // radians
