@@ -1,5 +1,6 @@
 # Shows the headers' plain comments to Doxygen. A comment belongs to what follows it without an empty line between, a
 # whole group of declarations included; indented lines of a comment are a list.
+BEGIN { print "/// \\file" } # or functions outside classes stay out
 function said(line)
 {
     sub(/^[ \t]*\/\/ ?/, "", line)
@@ -22,6 +23,7 @@ function said(line)
         fresh = 1
     inComment = 0
 }
+/^#define CORVANE_C_INTERFACE/ { printf "%s", comment } # the one macro that hosts use
 /^[ \t]*$/ || /^[ \t]*(#|\{|\}|static_assert|public:|private:)/ { # ends a group
     if ($0 ~ /^[ \t]*$/ || $0 ~ /^[ \t]*[{}]/)
         comment = ""

@@ -22,6 +22,7 @@
 // nothing, so that a program never calls functions that take other arguments than it was compiled for.
 #define CORVANE_C_INTERFACE 1u
 
+// What a function answers.
 typedef int32_t CorvaneStatus;
 enum
 {

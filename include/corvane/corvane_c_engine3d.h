@@ -5,6 +5,7 @@
 
 #include "corvane_c_common.h"
 
+// A handle of an Engine3D.
 typedef struct CorvaneEngine3D CorvaneEngine3D;
 
 // NULL when memory is short and for an interface that the library does not speak.

@@ -6,6 +6,7 @@
 
 #include "corvane_c_common.h"
 
+// Handles of an EngineMPR and of a RenderMPR.
 typedef struct CorvaneEngineMPR CorvaneEngineMPR;
 typedef struct CorvaneRenderMPR CorvaneRenderMPR;
 
@@ -60,6 +61,7 @@ CORVANE_C_API CorvaneStatus corvane_engine_mpr_imaging_minip_by_slice(CorvaneEng
 CORVANE_C_API CorvaneStatus corvane_engine_mpr_imaging_minip_by_type(CorvaneEngineMPR* engine, KsMPRType type,
                                                                      float thickness, KsImageData* image);
 
+// NULL when memory is short and for an interface that the library does not speak.
 CORVANE_C_API CorvaneRenderMPR* corvane_render_mpr_create(uint32_t interfaceVersion);
 CORVANE_C_API void corvane_render_mpr_destroy(CorvaneRenderMPR* render);
 

@@ -5,6 +5,7 @@
 
 #include "corvane_c_common.h"
 
+// A handle of a Render3D.
 typedef struct CorvaneRender3D CorvaneRender3D;
 
 // NULL when memory is short and for an interface that the library does not speak. _clone makes a second, independent

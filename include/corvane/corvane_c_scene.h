@@ -14,6 +14,7 @@
 
 #include "corvane_c_common.h"
 
+// A handle of a scene.
 typedef struct CorvaneScene CorvaneScene;
 
 // NULL when memory is short and for an interface that the library does not speak.
