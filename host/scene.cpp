@@ -53,30 +53,30 @@ Scene::Scene(const VolumeView& volume, uint8_t labelBits) : volume_(volume)
 
 Render3D& Scene::RendererBeside(const VolumePalette& tables)
 {
-    if (!beside_)
+    if (!besideHolds_)
     {
-        beside_.emplace();
-        Require(beside_->InitData(volume_.Data(), *engine_.GetMarkData(), tables));
+        Require(beside_.InitData(volume_.Data(), *engine_.GetMarkData(), tables));
+        besideHolds_ = true;
         if (visible_)
-            Show(*beside_, *visible_);
+            Show(beside_, *visible_);
     }
-    return *beside_;
+    return beside_;
 }
 
 void Scene::SetVisibleBox(const PatientBox& box)
 {
     visible_ = box;
     Show(engine_, box);
-    if (beside_)
-        Show(*beside_, box);
+    if (besideHolds_)
+        Show(beside_, box);
 }
 
 void Scene::UpdateLabels()
 {
     const WorkElsewhere elsewhere;
     engine_.UpdateMarkData();
-    if (beside_)
-        beside_->SetVolumeMark(*engine_.GetMarkData());
+    if (besideHolds_)
+        beside_.SetVolumeMark(*engine_.GetMarkData());
 }
 
 PnImageParam Scene::Aim(const Framing& framing)

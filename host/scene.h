@@ -58,7 +58,8 @@ public:
 private:
     const VolumeView& volume_;
     Engine3D engine_;
-    std::optional<Render3D> beside_;
+    Render3D beside_;
+    bool besideHolds_ = false; // the volume
     std::optional<PatientBox> visible_;
     double fullSize_ = 0; // mm that the shorter side of a picture shows before any zoom
 };

@@ -62,8 +62,9 @@ TEST(Scene, HasTheWantedPointInTheMiddleAndAllOfTheVolumeInView)
     const Corners corners = CornersOf(volume.grid);
     const Vec3 middle = IndexToPatient(volume.grid, {29.5, 24.5, 19.5}), other = middle + Vec3{10, -20, 5};
     for (const View& view : kViews)
-        for (const auto& [rows, columns] : {std::pair(200u, 300u), std::pair(300u, 200u), std::pair(255u, 255u)})
+        for (const auto& picture : {std::pair(200u, 300u), std::pair(300u, 200u), std::pair(255u, 255u)})
         {
+            const uint32_t rows = picture.first, columns = picture.second;
             const double size = FittingPixelSize({view}, corners, rows, columns);
             const PnImageParam plane = scene.Aim({view, rows, columns, size, {}});
             EXPECT_EQ(plane.rows, rows);
@@ -84,11 +85,11 @@ TEST(Scene, HasTheWantedPointInTheMiddleAndAllOfTheVolumeInView)
             EXPECT_GT(nearestEdge, 0);
             EXPECT_LT(nearestEdge, 8) << "it fills the picture";
             const PnImageParam moved = scene.Aim({view, rows, columns, size, other});
-            const auto expectInTheMiddle = [&](Vec3 point, const PnImageParam& picture)
+            const auto expectInTheMiddle = [&](Vec3 point, const PnImageParam& image)
             {
-                const Vec3 offset = point - FirstPixel(picture);
-                EXPECT_NEAR(Dot(offset, RowDirection(picture)) / size, 0.5 * columns, 1e-3);
-                EXPECT_NEAR(Dot(offset, ColumnDirection(picture)) / size, 0.5 * rows, 1e-3);
+                const Vec3 offset = point - FirstPixel(image);
+                EXPECT_NEAR(Dot(offset, RowDirection(image)) / size, 0.5 * columns, 1e-3);
+                EXPECT_NEAR(Dot(offset, ColumnDirection(image)) / size, 0.5 * rows, 1e-3);
             };
             expectInTheMiddle(middle, plane);
             expectInTheMiddle(other, moved);
