@@ -75,7 +75,8 @@ bool Engine3D::InitData(const KsVolumeData& volume)
             std::vector<KsPalettePoint> points;
             UpateVolumePalette(DefaultPalette(points), 0);
             PrepareVolumeGeometry(taken, state_->geometry);
-            return state_->render.InitData(taken, state_->labels.Record(), state_->tables.Records());
+            // Labels of 0 everywhere are no labels, which is quicker to draw; edits are seen from UpdateMarkData on.
+            return state_->render.InitData(taken, {}, state_->tables.Records());
         });
     if (!loaded)
     {
