@@ -13,7 +13,8 @@ options=(--target=x86_64-pc-windows-msvc -fms-extensions -fno-ms-compatibility -
     -U_MSC_VER -D__MINGW32__ -D__MINGW64__ -D__declspec=__declspec -D__GNUC__=12 -D__GNUC_MINOR__=2
     -Wno-builtin-macro-redefined -Wno-macro-redefined
     -std=c++20 -Wall -Wextra -Werror -ffp-contract=off -fsyntax-only
-    -I. -Iinclude -DCORVANE_BUILDING -DTREVIK_BUILDING -DNOMINMAX)
+    -I. -Iinclude -DCORVANE_BUILDING -DTREVIK_BUILDING -DNOMINMAX
+    -DCORVANE_C_BUILDING -DCORVANE_VERSION=\"0\" -DCORVANE_VERSION_MAJOR=0 -DCORVANE_VERSION_MINOR=0 -DCORVANE_VERSION_PATCH=0)
 for folder in "$@"; do
     case $folder in
     */gcc/*/include | */gcc/*/include-fixed) ;; # the compiler's own: clang has others
@@ -40,7 +41,7 @@ while IFS= read -r source; do
         ;;
     *) compile "$source" ;;
     esac
-done < <(find core camera mpr render3d engine3d trevik -name '*.cpp' 2>/dev/null | sort)
+done < <(find core camera mpr render3d engine3d trevik capi -name '*.cpp' 2>/dev/null | sort)
 echo "$count compilations"
 [ $count -gt 20 ] || status=1
 exit $status
