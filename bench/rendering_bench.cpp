@@ -86,7 +86,7 @@ void RegisterRenderings(const BenchVolume& volume)
 {
     const auto loaded = std::make_shared<const Loaded>(volume);
     const host::View front = host::NamedView("anterior");
-    for (const int side : {512, 1024})
+    for (const int side : {256, 512, 1024, 2048})
     {
         const std::pair<const char*, Draw> frames[] = {
             {"volume_rendering/front", DrawView(volume, loaded, front, 1.0, side)},

@@ -65,9 +65,9 @@ private:
         const FloatPack near = ((upwards ? lows : highs) - start) / along;
         const FloatPack far = ((upwards ? highs : lows) - start) / along;
         hit &= finite & ((parallel & (start >= low) & (start <= high)) | (~parallel & (near <= far)));
-        entry = ~parallel & (entry < near) ? near : entry;
-        end = ~parallel & (far < end) ? far : end;
-        exit = steep & (far < exit) ? far : exit;
+        entry = (~parallel & (entry < near)) ? near : entry;
+        end = (~parallel & (far < end)) ? far : end;
+        exit = (steep & (far < exit)) ? far : exit;
     }
 };
 

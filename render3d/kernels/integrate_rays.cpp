@@ -74,6 +74,7 @@ private:
         const Quad step = steps_[lane];
         const float exit = exitDistances_[lane];
         const int ray = first_ + lane;
+        PrefetchCell(scene_.volume, int(at[0]), int(at[1]), int(at[2])); // sampled when the queue is full
         while (count-- > 0)
         {
             at += step;
