@@ -8,7 +8,7 @@ BenchVolume::BenchVolume(const std::string& input)
     : name(input.substr(input.rfind('/') + 1)), volume(host::ReadVolume(input)), records(volume, host::Padding{})
 {
     const KsVolumeData& data = records.Data();
-    view = {data.slices, data.sizeX, data.sizeY, data.sizeZ};
+    view = core::VolumeViewOf(data);
     core::PrepareVolumeGeometry(data, geometry);
 }
 } // namespace corvane::bench

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
 #include <limits>
 
 namespace corvane::core
@@ -96,6 +97,24 @@ std::optional<float> ExitOf(const Box& box, Vec3f origin, Vec3f direction)
         return std::nullopt;
     return exit;
 }
+
+// See VolumeView.
+int32_t SliceStrideOf(const KsVolumeData& volume)
+{
+    if (volume.sizeZ < 2)
+        return 0;
+    const auto distance = [&](int slice)
+    { return int64_t(uintptr_t(volume.slices[slice]) - uintptr_t(volume.slices[slice - 1])); };
+    const int64_t bytes = distance(1);
+    const int64_t stride = bytes / int64_t(sizeof(int16_t));
+    const int64_t farthest = (std::abs(stride) + volume.sizeX) * volume.sizeZ + int64_t(volume.sizeX) * volume.sizeY;
+    if (bytes % int64_t(sizeof(int16_t)) != 0 || std::abs(stride) > INT32_MAX || farthest > INT32_MAX)
+        return 0;
+    for (int slice = 2; slice < volume.sizeZ; ++slice)
+        if (distance(slice) != bytes)
+            return 0;
+    return int32_t(stride);
+}
 } // namespace
 
 bool IsLoadable(const KsVolumeData& volume)
@@ -108,6 +127,11 @@ bool IsLoadable(const KsVolumeData& volume)
 bool SameSizes(const KsVolumeData& a, const KsVolumeData& b)
 {
     return a.sizeX == b.sizeX && a.sizeY == b.sizeY && a.sizeZ == b.sizeZ;
+}
+
+VolumeView VolumeViewOf(const KsVolumeData& volume)
+{
+    return {volume.slices, volume.sizeX, volume.sizeY, volume.sizeZ, SliceStrideOf(volume)};
 }
 
 LabelView LabelViewOf(const KsVolumeMark& mark)

@@ -38,6 +38,9 @@ bool IsLoadable(const KsVolumeData& volume);
 
 bool SameSizes(const KsVolumeData& a, const KsVolumeData& b);
 
+// A host's voxels as kernels read them; of a volume that can be taken.
+VolumeView VolumeViewOf(const KsVolumeData& volume);
+
 // A host's labels as kernels read them. Sizes beyond those of a volume are cut to them: nobody reads that far.
 LabelView LabelViewOf(const KsVolumeMark& mark);
 

@@ -114,7 +114,7 @@ bool RenderMPR::Imaging(const KsVolumeData& volume, KsImageVAL* image)
     if (!state_ || !state_->volume.slices || !image || !image->values || !mpr::HasPixels(image->param) ||
         !SameSizes(volume, state_->volume) || !IsLoadable(volume))
         return false;
-    mpr::ResamplePlane({volume.slices, volume.sizeX, volume.sizeY, volume.sizeZ}, state_->geometry, *image);
+    mpr::ResamplePlane(VolumeViewOf(volume), state_->geometry, *image);
     return true;
 }
 

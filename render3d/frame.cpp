@@ -1,7 +1,6 @@
 #include "frame.h"
 
 #include <algorithm>
-#include <cstdlib>
 
 using namespace corvane::core;
 
@@ -22,28 +21,10 @@ PaletteEntryView ViewOf(const VolumePaletteEntry* entry)
     return {int32_t(start),    uint32_t(end - start), entry->opacities + skipped, entry->colours + 3 * skipped,
             entry->shading[0], entry->shading[1],     entry->shading[2]};
 }
-
-// See VolumeView.
-int32_t SliceStrideOf(const KsVolumeData& volume)
-{
-    if (volume.sizeZ < 2)
-        return 0;
-    const auto distance = [&](int slice)
-    { return int64_t(uintptr_t(volume.slices[slice]) - uintptr_t(volume.slices[slice - 1])); };
-    const int64_t bytes = distance(1);
-    const int64_t stride = bytes / int64_t(sizeof(int16_t));
-    const int64_t farthest = (std::abs(stride) + volume.sizeX) * volume.sizeZ + int64_t(volume.sizeX) * volume.sizeY;
-    if (bytes % int64_t(sizeof(int16_t)) != 0 || std::abs(stride) > INT32_MAX || farthest > INT32_MAX)
-        return 0;
-    for (int slice = 2; slice < volume.sizeZ; ++slice)
-        if (distance(slice) != bytes)
-            return 0;
-    return int32_t(stride);
-}
 } // namespace
 
 Frame::Frame(const VolumeSlot& slot, const VolumePalette* palette)
-    : scene_{{slot.volume.slices, slot.volume.sizeX, slot.volume.sizeY, slot.volume.sizeZ, SliceStrideOf(slot.volume)},
+    : scene_{VolumeViewOf(slot.volume),
              palette ? LabelViewOf(slot.mark) : LabelView{},
              {slot.blocks.levels.data(), slot.blocks.rootMasks.data(), slot.blocks.visibleDepths.data(),
               slot.blocks.blocksX, slot.blocks.blocksPerLayer},
