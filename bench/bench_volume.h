@@ -22,6 +22,8 @@ struct BenchVolume
 };
 
 void RegisterBlockTree(const BenchVolume& volume);
+void RegisterFirstFrame(const BenchVolume& volume);
+void RegisterGrowth(const BenchVolume& volume);
 void RegisterPlanes(const BenchVolume& volume);
 void RegisterProjections(const BenchVolume& volume);
 void RegisterRenderings(const BenchVolume& volume);

@@ -23,6 +23,8 @@ int main(int argc, char** argv)
         corvane::bench::RegisterProjections(volume);
         corvane::bench::RegisterCutting();
         corvane::bench::RegisterPalettes();
+        corvane::bench::RegisterFirstFrame(volume);
+        corvane::bench::RegisterGrowth(volume);
         benchmark::RunSpecifiedBenchmarks();
     }
     catch (const corvane::host::Error& error)

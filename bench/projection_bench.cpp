@@ -6,9 +6,9 @@
 
 #include <memory>
 
-// Intensity projections on all workers, labels ignored: the whole volume from the front, and a slab of 20 mm through
-// its middle. CPU is the time of all threads together, which is what one core would take; Time is that of the machine's
-// cores.
+// Intensity projections on all workers, labels ignored: the whole volume from the front (once obliquely), and a slab of
+// 20 mm through its middle. CPU is the time of all threads together, which is what one core would take; Time is that of
+// the machine's cores.
 namespace corvane::bench
 {
 namespace
@@ -21,12 +21,14 @@ struct Projection
     ProjectionKind kind;
     float thickness; // mm
     double zoom;
+    double leftDegrees = 0, upDegrees = 0; // turned from the front
 };
 
 constexpr float kWhole = 10000.0f;
 constexpr Projection kProjections[] = {
     {"projection/maximum", ProjectionKind::Maximum, kWhole, 1.0},
     {"projection/maximum_zoom", ProjectionKind::Maximum, kWhole, 2.2},
+    {"projection/maximum_oblique", ProjectionKind::Maximum, kWhole, 1.0, 30, 20},
     {"projection/minimum", ProjectionKind::Minimum, kWhole, 1.0},
     {"projection/average", ProjectionKind::Average, kWhole, 1.0},
     {"slab_20mm/maximum", ProjectionKind::Maximum, 20.0f, 1.0},
@@ -39,8 +41,8 @@ PnImageParam PlaneOf(const BenchVolume& volume, const Projection& projection, in
 {
     const core::Box& box = volume.geometry.boundingBox;
     const double diagonal = double(core::Length(box.max - box.min));
-    const host::View front = host::NamedView("anterior");
-    PnImageParam plane = host::ViewPlaneOf(front, host::CornersOf(volume.volume.grid), uint32_t(side), uint32_t(side),
+    const host::View view = host::Turned(host::NamedView("anterior"), projection.leftDegrees, projection.upDegrees, 0);
+    PnImageParam plane = host::ViewPlaneOf(view, host::CornersOf(volume.volume.grid), uint32_t(side), uint32_t(side),
                                            diagonal / projection.zoom / side);
     if (projection.thickness < kWhole)
         plane.position[1] = 0.5 * double(box.min.y + box.max.y) - 0.5 * double(projection.thickness);
