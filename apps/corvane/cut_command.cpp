@@ -73,7 +73,7 @@ host::DrawnRegion Draw(const CutOptions& options, const std::vector<host::GivenP
     if (result.regionPixels == 0)
         throw Error(ErrorKind::Usage, "the polygons cover no pixel of the picture of " + std::to_string(plane.columns) +
                                           " x " + std::to_string(plane.rows) +
-                                          " pixels; see --preview, and give the --size they were made for");
+                                          " pixels; give the --size and --zoom that they were made for");
     return region;
 }
 

@@ -11,13 +11,13 @@ namespace
 {
 using host::Number;
 
+// By more than a pixel: who draws round the whole picture is not to be warned.
 bool ReachesOutside(const host::Polygon& polygon, const PnImageParam& plane)
 {
     return std::any_of(polygon.begin(), polygon.end(),
-                       [&](const host::PixelPoint& corner)
-                       {
-                           return corner.column < -0.5 || corner.row < -0.5 || corner.column > plane.columns - 0.5 ||
-                                  corner.row > plane.rows - 0.5;
+                       [&](const host::PixelPoint& corner) {
+                           return corner.column < -1 || corner.row < -1 || corner.column > plane.columns ||
+                                  corner.row > plane.rows;
                        });
 }
 

@@ -123,7 +123,7 @@ std::vector<std::string> WarningsOf(const Task& task, const host::Volume& volume
     std::vector<std::string> warnings = host::ProjectionWarnings(task.kind.projection, volume, task.format != "png");
     const VrOptions& view = task.options.view;
     if (task.kind.projection == Projection::Minimum && host::HoldsHounsfieldUnits(volume) && !task.thickness &&
-        view.crop.empty() && view.cropVoxels.empty() && task.options.hiddenLabels.empty())
+        view.crop.empty() && view.cropVoxels.empty() && task.options.hiddenLabels.empty() && !HasCuts(volume))
         warnings.push_back("rays through the whole volume end up with the air around the patient; leave it out with "
                            "--thickness, --crop or --hide-label");
     return warnings;

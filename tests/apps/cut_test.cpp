@@ -210,11 +210,11 @@ TEST(Cut, PreviewsAreThePicturesOfVrBeforeAndAfter)
     const std::string before = ReadBytes(folder / "before.png"), after = ReadBytes(folder / "after.png");
     EXPECT_EQ(ReadBytes(folder / "p/cut_before.png"), before);
     EXPECT_EQ(ReadBytes(folder / "p/cut_after.png"), after);
-    // The region is a picture of the same size, its line yellow: (45, 22) lies on no line, (20, 20) on its corner.
+    // The region has a yellow line along its edge: in row 60 the triangle begins at column 33.3.
     const PngFile region = ReadPng(ReadBytes(folder / "p/cut_region.png"));
-    EXPECT_EQ(region.At(20, 20, 0), 255);
-    EXPECT_EQ(region.At(20, 20, 1), 220);
-    EXPECT_EQ(region.At(20, 20, 2), 60);
+    EXPECT_EQ(region.At(60, 34, 0), 255);
+    EXPECT_EQ(region.At(60, 34, 1), 220);
+    EXPECT_EQ(region.At(60, 34, 2), 60);
     // Outside of the region, and a pixel away from it, before and after are alike; inside all has gone.
     const PngFile was = ReadPng(before), is = ReadPng(after);
     const std::vector<Place> triangle = {{20, 20}, {70, 30}, {40, 80}};
@@ -378,7 +378,7 @@ TEST(Cut, SaysSoWhenNothingIsCut)
 TEST(Cut, ReplacesNothingUnasked)
 {
     const ScratchFolder folder;
-    const Arguments common = {"cut", kSquare, "--size", "64", "--polygon", kTriangle};
+    const Arguments common = {"cut", kSquare, "--size", "100", "--polygon", kTriangle};
     WriteBytes(folder / "mine.nrrd", "mine");
     WriteBytes(folder / "region.png", "mine");
     ExpectRefusal(Corvane(folder, Joined(common, {"-o", "mine.nrrd"})), 4, "--force");
@@ -426,7 +426,7 @@ TEST(Cut, ExplainsAWrongCommandLineAndLeavesNothing)
     refuse({"-o", "a.nrrd", "--turntable", "9"}, "see corvane cut --help");
     ExpectRefusal(Corvane(folder, {"cut", kSquare, "-o", "a.nrrd", "--polygons", "absent.txt"}), 3, "absent.txt");
     ExpectRefusal(Corvane(folder, {"cut", "absent.nii", "-o", "a.nrrd", "--polygon", kTriangle}), 3, "absent.nii");
-    Done(folder, {"cut", kUnequal, "--size", "64", "--polygon", kTriangle, "-o", "u.nrrd"});
+    Done(folder, {"cut", kUnequal, "--size", "100", "--polygon", kTriangle, "-o", "u.nrrd"});
     ExpectRefusal(Corvane(folder, {"cut", kSquare, "-o", "a.nrrd", "--polygon", kTriangle, "--labels", "u.nrrd"}), 3,
                   "another grid");
     EXPECT_EQ(FilesIn(folder.Path()), Arguments{"u.nrrd"});
