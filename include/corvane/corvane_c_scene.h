@@ -9,8 +9,8 @@
 // threads that share a scene cannot disturb each other's pictures. A plane's directions are unit vectors at right
 // angles (to 0.001), its spacings 1e-6 to 1e6 mm, its position lies within 1e9 mm.
 //
-// Memory, apart from the caller's voxels: 1 byte for each voxel's label, about as much for the renderer's tree, twice
-// that while a volume is being loaded, and the history's limit.
+// Memory, apart from the caller's voxels: 1 byte per voxel for labels, from the first label or cut on, about 0.9 for
+// the renderer's tree, and the history's limit.
 
 #include "corvane_c_common.h"
 
