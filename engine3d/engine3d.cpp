@@ -11,6 +11,7 @@
 
 using namespace corvane;
 using namespace corvane::core;
+using namespace corvane::engine3d;
 
 namespace
 {
@@ -225,14 +226,14 @@ bool Engine3D::BuildVolumeMark(const KsVolumeData* volume)
     return true;
 }
 
-void Engine3D::State::ForwardPalette()
+void EngineState::ForwardPalette()
 {
     render.SetPalette(tables.Records());
     if (gpuHasData)
         gpu->SetPalette(tables.Records());
 }
 
-void Engine3D::State::ForwardLabels()
+void EngineState::ForwardLabels()
 {
     render.SetVolumeMark(labels.Record());
     if (gpuHasData)

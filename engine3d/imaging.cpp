@@ -200,7 +200,7 @@ bool Engine3D::BuildImageParamVAL(PnImageParam plane, float thickness, KsImageDa
         });
 }
 
-bool Engine3D::State::DrawsOnGpu(BlendImages blends)
+bool EngineState::DrawsOnGpu(BlendImages blends)
 {
     if (gpuEnabled && !gpuHasData)
     {

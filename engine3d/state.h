@@ -33,30 +33,29 @@ enum class BlendImages
     Sent,
     NotSent,
 };
-} // namespace corvane::engine3d
 
 // Everything that an engine holds. The renderers keep shallow copies of labels and tables, so these are changed first
 // and freed last.
-struct Engine3D::State
+struct EngineState
 {
     // Behind a pointer because the library that supplies the class may be another one than this was built with: only
     // its constructor and destructor are called by name.
-    std::unique_ptr<Cuda3D, corvane::engine3d::EndGpu> gpu{new Cuda3D};
+    std::unique_ptr<Cuda3D, EndGpu> gpu{new Cuda3D};
     bool gpuEnabled = false; // the host wants it
     bool gpuHasData = false; // it has taken the volume: from then on it is told every change
     Render3D render;
 
-    corvane::camera::OrthographicCamera orthographic;
-    corvane::camera::PerspectiveCamera perspective{2.0, 2.0}; // 90 degrees wide at a distance of 1 mm
-    corvane::camera::Camera* active = &orthographic;          // the one that rotations turn
+    camera::OrthographicCamera orthographic;
+    camera::PerspectiveCamera perspective{2.0, 2.0}; // 90 degrees wide at a distance of 1 mm
+    camera::Camera* active = &orthographic;          // the one that rotations turn
     KsRender renderType = KsRenderParallel;
     float viewAngle = 45.0f; // degrees
 
     KsVolumeData volume = {}; // the slice table tells whether there is a volume
-    corvane::engine3d::PaletteTables tables;
-    corvane::engine3d::PaletteRecord palette;
-    corvane::engine3d::LabelVolume labels;
-    corvane::core::VolumeGeometry geometry = {};
+    PaletteTables tables;
+    PaletteRecord palette;
+    LabelVolume labels;
+    core::VolumeGeometry geometry = {};
     std::vector<KsVolumeData> attachedVolumes; // for a GPU that takes the volume later
     std::vector<KsBlendImage> blendImages;     // the same
 
@@ -66,7 +65,12 @@ struct Engine3D::State
 
     // Whether the GPU draws the next image. A volume that it is to draw and does not hold is uploaded first, with what
     // goes with it; it may refuse.
-    bool DrawsOnGpu(corvane::engine3d::BlendImages blends);
+    bool DrawsOnGpu(BlendImages blends);
+};
+} // namespace corvane::engine3d
+
+struct Engine3D::State : corvane::engine3d::EngineState
+{
 };
 
 #endif
