@@ -42,5 +42,5 @@ cmake --build "$work/build" >"$work/log" || { cat "$work/log"; fail "a program d
 "$work/build/consumer" || fail "a program built against the packages computes a wrong value"
 dpkg --root="$root" --force-not-root --force-script-chrootless --log=/dev/null --purge corvane libcorvane-dev libcorvane0 \
     >"$work/log" 2>&1 || { cat "$work/log"; fail "dpkg does not remove the packages"; }
-left=$(find "$root/usr" -type f)
+left=$(find "$root" -path "$root/var" -prune -o -type f -print)
 [ -z "$left" ] || fail "these files stay after removal: $left"
