@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Installs a build for Windows, moves the prefix, and builds and runs programs against it, found by CMake.
+# Makes the zip file of a build for Windows, unpacks it, and builds and runs programs against it, found by CMake.
 #   usage: check_install_windows.sh BUILD_DIR SOURCE_DIR VERSION GENERATOR TOOLCHAIN RUN...
 #   RUN  the command that runs a program for Windows
 set -euo pipefail
@@ -14,9 +14,13 @@ fail()
     exit 1
 }
 
-cmake --install "$build" --prefix "$work/first" >"$work/log" || { cat "$work/log"; fail "the installation failed"; }
-prefix=$work/moved
-mv "$work/first" "$prefix"
+(cd "$build" && cpack -G ZIP -B "$work/made") >"$work/log" 2>&1 || { cat "$work/log"; fail "cpack fails"; }
+name=corvane-$version-windows-x86_64
+[ -f "$work/made/$name.zip" ] || fail "there is no $name.zip"
+(cd "$work" && cmake -E tar xf "made/$name.zip") || fail "the zip file is broken"
+prefix=$work/$name
+"$@" "$prefix/bin/corvane_verify.exe" >"$work/log" || { tail "$work/log"; fail "the pictures are not those of Linux"; }
+grep -q 'every picture is what it must be' "$work/log" || fail "corvane_verify says nothing"
 cp -r "$source/tests/package/consumer" "$work/consumer"
 cmake -S "$work/consumer" -B "$work/build" -G "$generator" -DCMAKE_TOOLCHAIN_FILE="$toolchain" \
     -DCMAKE_EXE_LINKER_FLAGS=-static -Dcorvane_DIR="$prefix/lib/cmake/corvane" -DWANTED_VERSION="${version%.*}" \
@@ -24,7 +28,7 @@ cmake -S "$work/consumer" -B "$work/build" -G "$generator" -DCMAKE_TOOLCHAIN_FIL
 cmake --build "$work/build" >"$work/log" || { cat "$work/log"; fail "the programs do not build"; }
 
 # Windows looks for DLLs in the program's own folder.
-for program in consumer gpu_consumer; do
+for program in consumer c_consumer gpu_consumer; do
     mv "$work/build/$program.exe" "$prefix/bin"
     "$@" "$prefix/bin/$program.exe" || fail "$program computes a wrong value or does not start"
 done
