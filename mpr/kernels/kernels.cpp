@@ -47,52 +47,64 @@ void ResamplePixel(const core::VolumeView& volume, Place p, int16_t& value)
     value = int16_t(int32_t(Mix(row0, row1, v) + 0.5f));
 }
 
-void ResampleRow(const core::VolumeView& volume, const core::PixelRow& row, int16_t* values)
+// Neighbouring pixels of one row, the last `kLanes` places after them to be overwritten.
+void ResampleRun(const core::VolumeView& volume, bool fitsPacks, Quad* places, int count, int16_t* values)
+{
+    const auto placeOf = [&](int pixel) { return Place{places[pixel][0], places[pixel][1], places[pixel][2]}; };
+    // Adding one number again and again never turns back, not even rounded: with both ends inside all are.
+    if (fitsPacks && IsSurrounded(volume, placeOf(0)) && IsSurrounded(volume, placeOf(count - 1)))
+    {
+        for (int lane = 0; lane < kLanes; ++lane)
+            places[count + lane] = places[count - 1];
+        int16_t samples[kRunLength + kLanes];
+        for (int pixel = 0; pixel < count; pixel += kLanes)
+        {
+            const QuadPack at = LoadQuads(places + pixel);
+            StoreShorts(ToShort(ToInt(SampleTrilinear(volume, at.x, at.y, at.z) + 0.5f)), samples + pixel);
+        }
+        memcpy(values, samples, sizeof samples[0] * size_t(count));
+        return;
+    }
+    for (int pixel = 0; pixel < count; ++pixel)
+        ResamplePixel(volume, placeOf(pixel), values[pixel]);
+}
+
+Quad QuadOf(core::Vec3f v) { return Quad{v.x, v.y, v.z, 0.0f}; }
+
+void ResampleRows(const core::VolumeView& volume, const mpr::RowToFill* rows, int rowCount)
 {
     const bool fitsPacks = int64_t(volume.nx) * volume.ny < (int64_t(1) << 31) && volume.nx < kExactInFloat &&
                            volume.ny < kExactInFloat && volume.nz < kExactInFloat;
-    Place next = {row.first.x, row.first.y, row.first.z};
-    for (int64_t done = 0; done < row.count; done += kRunLength)
+    Quad next[mpr::kRowsAtOnce] = {}, steps[mpr::kRowsAtOnce] = {};
+    int64_t longest = 0;
+    for (int row = 0; row < rowCount; ++row)
     {
-        const int count = row.count - done < kRunLength ? int(row.count - done) : kRunLength;
-        float x[kRunLength + kLanes], y[kRunLength + kLanes], z[kRunLength + kLanes];
-        const Place first = next;
-        Place last = next;
-        for (int pixel = 0; pixel < count; ++pixel)
+        next[row] = QuadOf(rows[row].pixels.first);
+        steps[row] = QuadOf(rows[row].pixels.step);
+        longest = rows[row].pixels.count > longest ? rows[row].pixels.count : longest;
+    }
+    for (int64_t done = 0; done < longest; done += kRunLength)
+    {
+        Quad places[mpr::kRowsAtOnce][kRunLength + kLanes];
+        for (int pixel = 0; pixel < kRunLength; ++pixel)
         {
-            last = next;
-            x[pixel] = last.x;
-            y[pixel] = last.y;
-            z[pixel] = last.z;
-            next = {last.x + row.step.x, last.y + row.step.y, last.z + row.step.z};
-        }
-        // Adding one number again and again never turns back, not even rounded: with both ends inside all are.
-        if (fitsPacks && IsSurrounded(volume, first) && IsSurrounded(volume, last))
-        {
-            for (int lane = 0; lane < kLanes; ++lane)
+            for (int row = 0; row < mpr::kRowsAtOnce; ++row)
             {
-                x[count + lane] = last.x;
-                y[count + lane] = last.y;
-                z[count + lane] = last.z;
+                places[row][pixel] = next[row];
+                next[row] += steps[row];
             }
-            int16_t samples[kRunLength + kLanes];
-            for (int pixel = 0; pixel < count; pixel += kLanes)
-            {
-                const FloatPack sample =
-                    SampleTrilinear(volume, LoadFloats(x + pixel), LoadFloats(y + pixel), LoadFloats(z + pixel));
-                StoreShorts(ToShort(ToInt(sample + 0.5f)), samples + pixel);
-            }
-            memcpy(values + done, samples, sizeof samples[0] * size_t(count));
         }
-        else
+        for (int row = 0; row < rowCount; ++row)
         {
-            for (int pixel = 0; pixel < count; ++pixel)
-                ResamplePixel(volume, {x[pixel], y[pixel], z[pixel]}, values[done + pixel]);
+            const int64_t left = rows[row].pixels.count - done;
+            if (left > 0)
+                ResampleRun(volume, fitsPacks, places[row], left < kRunLength ? int(left) : kRunLength,
+                            rows[row].values + done);
         }
     }
 }
 } // namespace
 
 extern const mpr::KernelTable kMprKernels;
-const mpr::KernelTable kMprKernels = {NAME_OF(KERNEL_ISA), ResampleRow};
+const mpr::KernelTable kMprKernels = {NAME_OF(KERNEL_ISA), ResampleRows};
 } // namespace corvane::KERNEL_ISA

@@ -53,7 +53,8 @@ std::vector<int16_t> ResampledRow(const mpr::KernelTable& kernels, const KsVolum
                                   const core::PixelRow& row)
 {
     std::vector<int16_t> values(size_t(row.count) + 2, kGuard);
-    kernels.resampleRow(ViewOf(volume), row, values.data() + 1);
+    const mpr::RowToFill one = {row, values.data() + 1};
+    kernels.resampleRows(ViewOf(volume), &one, 1);
     EXPECT_EQ(values.front(), kGuard) << kernels.instructionSet;
     EXPECT_EQ(values.back(), kGuard) << kernels.instructionSet;
     return {values.begin() + 1, values.end() - 1};
@@ -114,6 +115,35 @@ TEST(Resampling, EqualsThePlainVersionForEveryImageWidth)
         inside += CountInside(expected);
     }
     EXPECT_GT(inside, 20000u);
+}
+
+TEST(Resampling, RowsThatAreTakenAtOnceAreThoseTakenOneByOne)
+{
+    Random random(4);
+    TestVolume volume = MakeNoise(random, 30, 20, 10);
+    for (int round = 0; round < 400; ++round)
+    {
+        for (const mpr::KernelTable* kernels : mpr::AvailableKernels())
+        {
+            const int rowCount = random.Between(1, mpr::kRowsAtOnce);
+            std::vector<std::vector<int16_t>> values, expected;
+            std::vector<mpr::RowToFill> rows;
+            for (int row = 0; row < rowCount; ++row)
+            {
+                // From some pixel inside the volume along x, y or z, some rows out of it again.
+                core::Vec3f step = {0, 0, 0};
+                (row % 3 == 0 ? step.x : row % 3 == 1 ? step.y : step.z) = float(random.Between(-100, 100)) / 512.0f;
+                const core::PixelRow pixels = {{15.3f, 9.7f, 4.6f}, step, random.Between(0, 150)};
+                expected.push_back(ResampledRow(*kernels, volume.data, pixels));
+                values.push_back(std::vector<int16_t>(size_t(pixels.count), kGuard));
+                rows.push_back({pixels, nullptr});
+            }
+            for (int row = 0; row < rowCount; ++row)
+                rows[size_t(row)].values = values[size_t(row)].data();
+            kernels->resampleRows(ViewOf(volume.data), rows.data(), rowCount);
+            ASSERT_EQ(values, expected) << kernels->instructionSet << ", round " << round;
+        }
+    }
 }
 
 // Far away and in fine steps the last bit of a clipped distance decides which pixel is the first one.
