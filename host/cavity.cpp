@@ -17,7 +17,7 @@ constexpr double kFarthestWall = 60;         // mm
 constexpr double kWallThickness = 8;         // mm: the shell of a patient table is thinner
 constexpr int kLeastWalls = 7;               // of eight directions in the slice: on one side lung may reach far
 constexpr double kRoomy = 8, kFarSight = 60; // mm: more of either makes no better view
-constexpr double kRoomBeforeSight = 10;      // what a mm of room is worth in mm of sight
+constexpr double kRoomBeforeSight = 4;       // what a mm of room is worth in mm of sight
 
 // Real values on a coarser grid, each the nearest voxel's.
 class CoarseValues
