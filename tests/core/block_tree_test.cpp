@@ -51,6 +51,25 @@ void ExpectNode(const BlockTree& tree, int block, int level, int node, int min, 
 }
 } // namespace
 
+template <class Element>
+size_t BytesOf(const std::vector<Element>& elements)
+{
+    return elements.capacity() * sizeof(Element);
+}
+
+// What the library keeps for each voxel: no copy of it, and less than a byte for the tree.
+TEST(BlockTree, Takes3714BytesForEachBlockOf4096Voxels)
+{
+    BlockTree tree;
+    ASSERT_TRUE(BuildBlockTree(Sized(64, 48, 80), tree));
+    const size_t blocks = 4 * 3 * 5, voxels = 64 * 48 * 80;
+    EXPECT_EQ(size_t(tree.blockCount), blocks);
+    const size_t bytes = BytesOf(tree.nodes) + BytesOf(tree.levels) + BytesOf(tree.rootMasks) +
+                         BytesOf(tree.visibleDepths) + BytesOf(tree.blocks);
+    EXPECT_LE(bytes, blocks * 3714);
+    EXPECT_LT(double(bytes) / double(voxels), 0.91);
+}
+
 TEST(LevelSizes, AreThoseOfAFullBlockForNoDepthAndForSixteenOrMore)
 {
     for (const int depth : {0, 16, 17, 100, kLargest})
