@@ -1,7 +1,18 @@
 #include "fan_out.h"
 
+#include <atomic>
+
 namespace corvane::core
 {
+namespace
+{
+std::atomic<int> mostWorkers = kMaxWorkerThreads;
+}
+
+int MostWorkers() noexcept { return mostWorkers; }
+
+void LimitWorkers(int most) noexcept { mostWorkers = most; }
+
 void RunTasks(const WorkerTask* tasks, int count, const ThreadCalls& threads) noexcept
 {
     void* started[kMaxWorkerThreads];

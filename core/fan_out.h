@@ -17,11 +17,16 @@ struct WorkerChunks
     int count;      // chunks, at most kMaxWorkerThreads
 };
 
-constexpr WorkerChunks ChunksOf(int64_t itemCount)
+constexpr WorkerChunks ChunksOf(int64_t itemCount, int mostWorkers = kMaxWorkerThreads)
 {
-    const int64_t length = itemCount / kMaxWorkerThreads + 1;
+    const int64_t length = itemCount / mostWorkers + 1;
     return {length, itemCount > 0 ? int((itemCount + length - 1) / length) : 0};
 }
+
+// How many workers a fan-out has at most: kMaxWorkerThreads, unless a test that compares pictures has set another
+// number from 1 up to it.
+int MostWorkers() noexcept;
+void LimitWorkers(int mostWorkers) noexcept;
 
 // One worker's share. It stays in place until the worker has finished.
 struct WorkerTask
@@ -50,7 +55,7 @@ template <class Body>
 void FanOut(int64_t itemCount, const Body& body, const ThreadCalls& threads = kSystemThreads) noexcept
 {
     static_assert(std::is_nothrow_invocable_v<const Body&, int64_t, int64_t>);
-    const WorkerChunks chunks = ChunksOf(itemCount);
+    const WorkerChunks chunks = ChunksOf(itemCount, MostWorkers());
     WorkerTask tasks[kMaxWorkerThreads];
     for (int chunk = 0; chunk < chunks.count; ++chunk)
     {
