@@ -4,9 +4,9 @@ BEGIN { print "/// \\file" } # or functions outside classes stay out
 function said(line)
 {
     sub(/^[ \t]*\/\/ ?/, "", line)
-    if (line ~ /^ {3}[A-Za-z0-9, ]+ {2,}[^ ]/) {
+    if (line ~ /^  [A-Za-z][A-Za-z0-9, ]*  +[^ ]/) {
         sub(/^ +/, "", line)
-        match(line, / {2,}/)
+        match(line, /  +/)
         return "- **" substr(line, 1, RSTART - 1) "**: " substr(line, RSTART + RLENGTH)
     }
     return line
