@@ -20,6 +20,8 @@ library=$1 list=$2 soname=$3
 shift 3
 status=0
 
+echo "${library##*/} exports $(exportsOf "$library" | wc -l) names:"
+exportsOf "$library"
 if ! diff --label "$list" --label "exported by $library" -u "$list" <(exportsOf "$library"); then
     echo "The binary interface changed; if that is meant, bring $list up to date." >&2
     status=1
