@@ -20,7 +20,6 @@ public:
     bool Rotate(KsMPRType type, float angle);
 
     KsMPRParam& Params() { return params_; }
-    const KsMPRParam& Params() const { return params_; }
 
 private:
     KsMPRParam params_ = {};

@@ -39,7 +39,7 @@ void RenderEndoscopy(const VolumeSlot& slot, const VolumePalette& palette, Vec3f
     FanOut(plane.rows * plane.columns,
            [&](int64_t first, int64_t end) noexcept
            {
-               RayBatcher<uint32_t> batcher(frame, kernels.integrateRays, image.pixels);
+               RayBatcher batcher(frame, kernels, image.pixels);
                for (int64_t pixel = first; pixel < end; ++pixel)
                {
                    const Vec3f through = plane.PixelAt(pixel % plane.columns, pixel / plane.columns);

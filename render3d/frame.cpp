@@ -36,8 +36,7 @@ Frame::Frame(const VolumeSlot& slot, const VolumePalette* palette)
               slot.geometry.directions.column, slot.geometry.normal, slot.geometry.sliceInFrame},
              {slot.geometry.visibleBox.min, slot.geometry.visibleBox.max},
              {slot.geometry.lowerBound, slot.geometry.upperBound},
-             slot.geometry.spacing.x > 0 && slot.geometry.spacing.y > 0 && slot.geometry.spacing.z > 0},
-      geometry_(slot.geometry)
+             slot.geometry.spacing.x > 0 && slot.geometry.spacing.y > 0 && slot.geometry.spacing.z > 0}
 {
     if (!palette)
     {

@@ -16,12 +16,10 @@ public:
     Frame& operator=(const Frame&) = delete;
 
     const Scene& SceneOf() const { return scene_; }
-    const core::VolumeGeometry& Geometry() const { return geometry_; }
 
 private:
     core::PaletteView palette_ = {};
     Scene scene_;
-    const core::VolumeGeometry& geometry_;
 };
 } // namespace corvane::render3d
 

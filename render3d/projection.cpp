@@ -2,7 +2,6 @@
 
 #include "core/fan_out.h"
 #include "frame.h"
-#include "ray_batcher.h"
 #include "view_plane.h"
 
 using namespace corvane::core;
@@ -11,6 +10,8 @@ namespace corvane::render3d
 {
 namespace
 {
+constexpr float kStep = 1.0f; // of the smallest spacing
+
 KernelTable::Projection KernelOf(ProjectionKind kind, const KernelTable& kernels)
 {
     switch (kind)
@@ -25,26 +26,27 @@ KernelTable::Projection KernelOf(ProjectionKind kind, const KernelTable& kernels
     return nullptr;
 }
 
+// A direction of length 0 stays 0; its rays take one sample where they stand.
 ParallelRays RaysOf(const ViewPlane& plane, const VolumeSlot& slot, float thickness)
 {
     const VolumeGeometry& geometry = slot.geometry;
-    const RayCourse course = CourseOf(geometry, plane.ViewDirection(), kProjectionStep);
+    const Vec3f relative = geometry.relativeSpacing;
     ParallelRays rays = {};
     rays.position = plane.position;
     rays.columnStep = plane.columnStep;
     rays.rowStep = plane.rowStep;
     rays.columns = plane.columns;
-    rays.patientDirection = course.patientDirection;
-    rays.direction = course.indexDirection;
-    rays.step = course.indexStep;
-    rays.stepLength = course.stepLength;
-    rays.farthest = Length(PatientToIndexStep(geometry, thickness * course.patientDirection));
-    rays.frame = {geometry.origin, geometry.spacing,     geometry.directions.row, geometry.directions.column,
-                  geometry.normal, geometry.sliceInFrame};
-    rays.box = {geometry.visibleBox.min, geometry.visibleBox.max};
-    rays.bounds = {geometry.lowerBound, geometry.upperBound};
-    rays.anyHits = geometry.spacing.x > 0 && geometry.spacing.y > 0 && geometry.spacing.z > 0;
-    rays.standsStill = course.indexDirection.x == 0 && course.indexDirection.y == 0 && course.indexDirection.z == 0;
+    rays.patientDirection = plane.ViewDirection();
+    const Vec3f d = rays.direction = UnitOrZero(PatientToIndexStep(geometry, rays.patientDirection));
+    rays.standsStill = d.x == 0 && d.y == 0 && d.z == 0;
+    if (rays.standsStill)
+        rays.stepLength = 1.0f;
+    else
+    {
+        rays.stepLength = kStep / Length(Vec3f{d.x * relative.x, d.y * relative.y, d.z * relative.z});
+        rays.step = rays.stepLength * d;
+    }
+    rays.farthest = Length(PatientToIndexStep(geometry, thickness * rays.patientDirection));
     rays.lowest = slot.blocks.lowest;
     rays.highest = slot.blocks.highest;
     return rays;

@@ -6,39 +6,28 @@ using namespace corvane::core;
 
 namespace corvane::render3d
 {
-namespace
+void RayBatcher::Add(Vec3f start, Vec3f direction, size_t pixel, std::span<const BlendLayer> layers)
 {
-bool IsZero(Vec3f v) { return v.x == 0.0f && v.y == 0.0f && v.z == 0.0f; }
-} // namespace
-
-RayCourse CourseOf(const VolumeGeometry& geometry, Vec3f patientDirection, float step)
-{
-    RayCourse course;
-    course.patientDirection = patientDirection;
-    course.indexDirection = UnitOrZero(PatientToIndexStep(geometry, patientDirection));
-    const Vec3f d = course.indexDirection, relative = geometry.relativeSpacing;
-    course.stepLength = step / Length(Vec3f{d.x * relative.x, d.y * relative.y, d.z * relative.z});
-    course.indexStep = course.stepLength * d;
-    // A ray that goes nowhere takes one sample where it stands.
-    if (IsZero(course.indexDirection))
-    {
-        course.stepLength = 1.0f;
-        course.indexStep = {0, 0, 0};
-        course.farthest = course.stepLength;
-    }
-    return course;
+    const int ray = batch_.count++;
+    pixelOf_[ray] = pixel;
+    batch_.startX[ray] = start.x;
+    batch_.startY[ray] = start.y;
+    batch_.startZ[ray] = start.z;
+    batch_.directionX[ray] = direction.x;
+    batch_.directionY[ray] = direction.y;
+    batch_.directionZ[ray] = direction.z;
+    std::copy(layers.begin(), layers.end(), batch_.layers[ray]);
+    batch_.layerCount[ray] = int(layers.size());
+    if (batch_.count == kRaysPerBatch)
+        Flush();
 }
 
-void AppendRay(Vec3f start, Vec3f direction, std::span<const BlendLayer> layers, RayBatch& batch)
+void RayBatcher::Flush()
 {
-    const int ray = batch.count++;
-    batch.startX[ray] = start.x;
-    batch.startY[ray] = start.y;
-    batch.startZ[ray] = start.z;
-    batch.directionX[ray] = direction.x;
-    batch.directionY[ray] = direction.y;
-    batch.directionZ[ray] = direction.z;
-    std::copy(layers.begin(), layers.end(), batch.layers[ray]);
-    batch.layerCount[ray] = int(layers.size());
+    uint32_t pixels[kRaysPerBatch];
+    kernels_.integrateRays(frame_.SceneOf(), batch_, pixels);
+    for (int ray = 0; ray < batch_.count; ++ray)
+        image_[pixelOf_[ray]] = pixels[ray];
+    batch_.count = 0;
 }
 } // namespace corvane::render3d

@@ -20,7 +20,7 @@ void RenderVolume(const VolumeSlot& slot, const VolumePalette& palette, const Bl
     FanOut(rectangle.PixelCount(),
            [&](int64_t first, int64_t end) noexcept
            {
-               RayBatcher<uint32_t> batcher(frame, kernels.integrateRays, image.pixels);
+               RayBatcher batcher(frame, kernels, image.pixels);
                int64_t column = rectangle.x0 + first % rectangle.Width();
                int64_t row = rectangle.y0 + first / rectangle.Width();
                for (int64_t pixel = first; pixel < end; ++pixel)

@@ -74,13 +74,6 @@ inline FloatPack LoadFloats(const float* from)
     return pack;
 }
 
-inline IntPack LoadInts(const int32_t* from)
-{
-    IntPack pack;
-    memcpy(&pack, from, sizeof pack);
-    return pack;
-}
-
 inline void StoreFloats(FloatPack pack, float* to) { memcpy(to, &pack, sizeof pack); }
 inline void StoreInts(IntPack pack, int32_t* to) { memcpy(to, &pack, sizeof pack); }
 

@@ -70,10 +70,6 @@ struct ParallelRays
     core::Vec3f direction, step; // a unit vector, or 0 for rays that stand still
     float stepLength;
     float farthest; // from the start, where rays end at the latest
-    PatientFrame frame;
-    ClipBounds box;    // patient: what is to be seen
-    ClipBounds bounds; // where samples have all their neighbours
-    bool anyHits;      // false: the volume has no extent, every ray misses
     bool standsStill;
     int32_t lowest, highest; // stored values of the volume
 };

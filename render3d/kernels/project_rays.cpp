@@ -178,7 +178,7 @@ IntPack BestOfPack(const Scene& scene, const ParallelRays& rays, const ParallelP
 {
     const core::VolumeView& volume = scene.volume;
     const float sizeX = float(volume.nx), sizeY = float(volume.ny), sizeZ = float(volume.nz);
-    const core::Vec3f nudge = NudgeOf(rays, scene.inverseRelativeSpacing);
+    const VectorPack nudge = NudgeOf(InAllLanes(rays.direction), scene.inverseRelativeSpacing);
     IntPack best = BestOfCoarsePass<Kind>(scene, rays, pack);
     IntPack live = pack.live, steps = {}, sampled = {}, jumpsLeft = pack.entry.jumpsLeft;
     VectorPack p = pack.entry.position;

@@ -7,9 +7,10 @@
 // The walk of a pack of rays over the block tree, cell by cell.
 namespace corvane::KERNEL_ISA
 {
-constexpr float kBoundsExit = 0.0001f;    // a smaller direction component does not bound a cell
-constexpr float kFarthestCell = 10000.0f; // voxels
-constexpr float kSkipNudge = 0.001f;      // how far behind an empty cell's face a ray goes on
+constexpr float kBoundsExit = 0.0001f;      // a smaller direction component does not bound a cell
+constexpr float kFarthestCell = 10000.0f;   // voxels
+constexpr float kSkipNudge = 0.001f;        // how far behind an empty cell's face a ray goes on
+constexpr float kMostRaySteps = 1048576.0f; // to where a ray ends at the latest
 
 // Rays in voxel-index space.
 struct RayPack
@@ -35,6 +36,13 @@ struct CellPack
 };
 
 inline FloatPack Smaller(FloatPack a, FloatPack b) { return a < b ? a : b; }
+
+// Where rays end that leave at `exit`: so far away that only volumes whose spacings lie thousands of times apart have
+// rays that take as many steps to leave.
+inline FloatPack EndOfRay(FloatPack exit, FloatPack entry, FloatPack stepLength)
+{
+    return Smaller(entry + kMostRaySteps * stepLength, exit);
+}
 
 // For how many steps rays may be sampled before asking again: until they leave the leaf, at least one.
 inline IntPack StepsUntil(FloatPack exit, FloatPack distance, FloatPack stepLength)
