@@ -107,7 +107,7 @@ std::vector<float> LabelPalettes::AddUp(VolumePalette& records)
     const Range range = RangeOfVisible(records);
     std::vector<float> sums;
     if (range.low < range.high)
-        sums.resize(size_t(range.high - range.low + 1));
+        sums.resize(size_t(range.high - range.low) + 1);
     for (const VolumePaletteEntry* entry : records.entries)
     {
         if (!entry || !entry->visible)

@@ -10,7 +10,7 @@ using namespace corvane::capi;
 
 namespace
 {
-constexpr size_t kMostPoints = size_t(1) << 20;
+constexpr size_t kMostPoints = size_t(1) << 16; // each costs a step for every row of voxels
 
 // Corners that a picture can have, within a thousand million pixels.
 CorvaneStatus IsPolygon(const double* points, size_t pointCount)

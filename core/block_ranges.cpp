@@ -48,8 +48,8 @@ void StoreLeaves(const BlockRun& run, const RangeRow& range, int cellY, int cell
 {
     for (int block = 0; block < run.count; ++block)
     {
-        const int16_t* low = range.lowest + block * kBlockEdge;
-        const int16_t* high = range.highest + block * kBlockEdge;
+        const int16_t* low = range.lowest + size_t(block) * kBlockEdge;
+        const int16_t* high = range.highest + size_t(block) * kBlockEdge;
         int16_t lowest[kBlockEdge], highest[kBlockEdge];
         for (int x = 0; x < kBlockEdge; ++x)
         {
@@ -57,8 +57,8 @@ void StoreLeaves(const BlockRun& run, const RangeRow& range, int cellY, int cell
             highest[x] = std::max(std::max(high[x], high[x + 1]), high[x + 2]);
         }
         BlockNode* leaves = run.blocks[block].levels[kLeafLevel] + NodeOf(0, cellY, cellZ);
-        for (int cellX = 0; cellX < kCellsPerAxis; ++cellX)
-            leaves[NodeOf(cellX, 0, 0)] = {highest[2 * cellX], lowest[2 * cellX], 0};
+        for (int x = 0; x < kBlockEdge; x += 2) // cells are two voxels wide
+            leaves[NodeOf(x / 2, 0, 0)] = {highest[x], lowest[x], 0};
     }
 }
 
@@ -111,7 +111,7 @@ void TakeRangesOfChildren(const BlockRecord& record)
         const int count = (*record.sizes)[level];
         for (int parent = 0; 8 * parent < count; ++parent)
         {
-            const BlockNode* children = record.levels[level] + 8 * parent;
+            const BlockNode* children = record.levels[level] + size_t(8) * parent;
             BlockNode node = kEmptyNode;
             for (int child = 0; child < std::min(8, count - 8 * parent); ++child)
             {

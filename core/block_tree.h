@@ -46,7 +46,7 @@ struct BlockTree : BlockLayout
     BlockTree() = default;
     BlockTree(const BlockTree& other);
     BlockTree(BlockTree&&) = default;
-    BlockTree& operator=(const BlockTree& other) { return *this = BlockTree(other); }
+    BlockTree& operator=(const BlockTree&) = delete;
     BlockTree& operator=(BlockTree&&) = default;
 
     std::vector<BlockNode> nodes;

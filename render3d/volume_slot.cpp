@@ -12,12 +12,17 @@ namespace
 {
 VolumeView ViewOf(const KsVolumeData& volume) { return {volume.slices, volume.sizeX, volume.sizeY, volume.sizeZ}; }
 
-// Kernels number the voxels of a slice in 32 bits and compare places with sizes in single precision.
+// Kernels number the voxels of a slice and the words of the visible depths in 32 bits and compare places with sizes in
+// single precision.
 bool FitsKernels(const KsVolumeData& volume)
 {
     constexpr int32_t kExactInFloat = 1 << 24;
-    return int64_t(volume.sizeX) * volume.sizeY <= INT32_MAX && volume.sizeX <= kExactInFloat &&
-           volume.sizeY <= kExactInFloat && volume.sizeZ <= kExactInFloat;
+    constexpr int64_t kMostBlocks = INT32_MAX / kDepthWords;
+    const auto isSize = [](int32_t size) { return size >= 1 && size <= kExactInFloat; };
+    const auto blocks = [](int32_t size) { return (int64_t(size) + kBlockEdge - 1) / kBlockEdge; };
+    return isSize(volume.sizeX) && isSize(volume.sizeY) && isSize(volume.sizeZ) &&
+           int64_t(volume.sizeX) * volume.sizeY <= INT32_MAX &&
+           blocks(volume.sizeX) * blocks(volume.sizeY) * blocks(volume.sizeZ) <= kMostBlocks;
 }
 
 // The corners of what all blocks show. With a spacing that is not positive the corners stay as they were.

@@ -131,7 +131,7 @@ enum
 // of visible labels that are not cut yet are taken. The last point is joined to the first; where the outline crosses
 // itself a place is inside when a line from it to far away crosses the outline an odd number of times.
 //   points      pairs of column and row, fractions allowed; (0, 0) is the centre of the first pixel
-//   pointCount  pairs, 3 to 2^20
+//   pointCount  pairs, 3 to 2^16
 //   cutCount    receives how many voxels were cut; may be NULL. A cut of none is no step of the history.
 CORVANE_C_API CorvaneStatus corvane_scene_cut_polygon(CorvaneScene* scene, const PnImageParam* plane,
                                                       const double* points, size_t pointCount, int32_t side,

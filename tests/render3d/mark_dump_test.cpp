@@ -96,6 +96,27 @@ TEST_F(MarkDump, SaysNothingWhereTheFileCannotBeWritten)
     EXPECT_EQ(image.At(10, 10), 0u); // the labels were taken
 }
 
+TEST_F(MarkDump, SaysNothingWhereTheDiskIsFull)
+{
+    if (!std::filesystem::exists("/dev/full"))
+        GTEST_SKIP() << "there is no device that is always full";
+    std::filesystem::create_symlink("/dev/full", ScratchFolder::kDumpName);
+    const Scene scene = SolidScene();
+    TestLabels cut = MakeLabels(20, 20, 20, [](int, int, int) { return 64; });
+    TestLabels thousands = MakeLabels(2, 2, 5000, [](int, int, int) { return 1; }); // more than a file keeps in memory
+    Render3D render;
+    ASSERT_TRUE(render.InitData(scene.volume.data, {}, scene.palette.palette));
+    testing::internal::CaptureStdout();
+    testing::internal::CaptureStderr();
+    render.SetVolumeMark(thousands.mark);
+    render.SetVolumeMark(cut.mark);
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+    TestImage image(kFront);
+    ASSERT_TRUE(render.ImagingVR(&image.image, 0));
+    EXPECT_EQ(image.At(10, 10), 0u); // the labels were taken
+}
+
 TEST_F(MarkDump, ComesFromSetVolumeMarkOnly)
 {
     const Scene scene = SolidScene();

@@ -127,6 +127,23 @@ TEST(RenderHazards, AVolumeThatIsTooLargeToNumberCountsAsNotLoaded)
     EXPECT_FALSE(render.ImagingVR(&image.image, 0));
 }
 
+// A block has 32 words that say how far rays may jump, and 32 bits number those words: 2^26 blocks are too many. They
+// are refused before any memory is asked for.
+TEST(RenderHazards, AVolumeOfMoreBlocksThanKernelsCanNumberIsRefused)
+{
+    const Scene scene = SolidScene(16, 16, 16);
+    const std::vector<const int16_t*> slices(144, scene.volume.slices[0]);
+    KsVolumeData volume = scene.volume.data;
+    volume.slices = slices.data();
+    volume.sizeX = volume.sizeY = 46336; // 2896 blocks
+    volume.sizeZ = 144;                  // 9 blocks: 75,481,344 in all
+    static_assert(int64_t(2896) * 2896 * 9 > INT32_MAX / 32 && int64_t(46336) * 46336 <= INT32_MAX);
+    Render3D render;
+    FailAllocationAfter(0);
+    EXPECT_FALSE(render.InitData(volume, {}, scene.palette.palette));
+    EXPECT_FALSE(StopFailingAllocations());
+}
+
 // Wherever memory runs out, an operation says so, and the renderer is empty or as it was.
 TEST(RenderHazards, MemoryThatRunsOutLeavesTheRendererWhole)
 {
