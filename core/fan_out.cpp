@@ -7,11 +7,16 @@ namespace corvane::core
 namespace
 {
 std::atomic<int> mostWorkers = kMaxWorkerThreads;
-}
+std::atomic<const ThreadCalls*> usedThreads = &kSystemThreads;
+} // namespace
 
 int MostWorkers() noexcept { return mostWorkers; }
 
 void LimitWorkers(int most) noexcept { mostWorkers = most; }
+
+const ThreadCalls& UsedThreads() noexcept { return *usedThreads; }
+
+void UseThreads(const ThreadCalls& threads) noexcept { usedThreads = &threads; }
 
 void RunTasks(const WorkerTask* tasks, int count, const ThreadCalls& threads) noexcept
 {

@@ -44,6 +44,10 @@ struct ThreadCalls
 };
 extern const ThreadCalls kSystemThreads; // the operating system's; in a file for each kind of system
 
+// The calls that fan-outs use: the system's, unless a test that refuses threads has set others.
+const ThreadCalls& UsedThreads() noexcept;
+void UseThreads(const ThreadCalls& threads) noexcept;
+
 // Runs every task and returns when all are done. A task that gets no thread runs on the caller's, so that nothing is
 // ever left half done.
 //   count  at most kMaxWorkerThreads
@@ -52,7 +56,7 @@ void RunTasks(const WorkerTask* tasks, int count, const ThreadCalls& threads) no
 // Calls body(first, end) for contiguous, disjoint ranges that make up [0, itemCount), on at most kMaxWorkerThreads
 // threads, and returns when all are done. The body must not throw and writes only what belongs to its own items.
 template <class Body>
-void FanOut(int64_t itemCount, const Body& body, const ThreadCalls& threads = kSystemThreads) noexcept
+void FanOut(int64_t itemCount, const Body& body, const ThreadCalls& threads = UsedThreads()) noexcept
 {
     static_assert(std::is_nothrow_invocable_v<const Body&, int64_t, int64_t>);
     const WorkerChunks chunks = ChunksOf(itemCount, MostWorkers());

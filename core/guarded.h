@@ -17,6 +17,16 @@ auto Guarded(Body&& body) noexcept -> decltype(body())
         return {};
     }
 }
+
+// Whether an exported object has its private state. What could not be made at construction, where nothing can say that
+// memory is short, is made now.
+template <class State>
+bool HasState(State*& state) noexcept
+{
+    if (!state)
+        state = Guarded([] { return new State; });
+    return state;
+}
 } // namespace corvane::core
 
 #endif

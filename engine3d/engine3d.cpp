@@ -58,7 +58,7 @@ Engine3D::Engine3D() : state_(Guarded([] { return new State; })) {}
 
 Engine3D::~Engine3D()
 {
-    Clear();
+    Engine3D::Clear();
     delete state_;
 }
 
@@ -66,7 +66,7 @@ bool Engine3D::InitData(const KsVolumeData& volume)
 {
     const KsVolumeData taken = volume;
     Clear();
-    if (!state_ || !render3d::CanBeDrawn(taken))
+    if (!HasState(state_) || !render3d::CanBeDrawn(taken))
         return false;
     const bool loaded = Guarded(
         [&]

@@ -91,7 +91,7 @@ EngineMPR::~EngineMPR() { delete state_; }
 
 bool EngineMPR::InitData(const KsVolumeData& volume)
 {
-    if (!state_)
+    if (!HasState(state_))
         return false;
     state_->volume = volume;
     ResetScreen();

@@ -24,7 +24,7 @@ RenderMPR::~RenderMPR() { delete state_; }
 
 bool RenderMPR::InitData(const KsVolumeData& volume)
 {
-    if (!state_)
+    if (!HasState(state_))
         return false;
     const KsVolumeData taken = volume; // the host's record may be what is cleared next
     state_->volume.slices = nullptr;

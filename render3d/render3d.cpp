@@ -113,6 +113,7 @@ Render3D::Render3D(const Render3D& other) : state_(nullptr)
         });
 }
 
+// NOLINTNEXTLINE(bugprone-unhandled-self-assignment): the copy is complete before the old state goes
 Render3D& Render3D::operator=(const Render3D& other)
 {
     core::Guarded(
@@ -132,7 +133,7 @@ bool Render3D::InitData(const KsVolumeData& volume, const KsVolumeMark& mark, co
     const KsVolumeMark takenMark = mark;
     const VolumePalette takenPalette = palette;
     Clear();
-    if (!state_ || !SetVolumeData(takenVolume))
+    if (!core::HasState(state_) || !SetVolumeData(takenVolume))
         return false;
     state_->main.mark = takenMark;
     state_->palette = takenPalette;

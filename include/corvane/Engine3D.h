@@ -55,7 +55,8 @@ public:
     virtual void Step(float distance);
 
     // The engine's own labels, to be edited in place: bits 0 to 5 the label, bit 6 (64) cut away. Edits are seen after
-    // UpdateMarkData. Null only when memory was short at construction; without a volume the slice table is null.
+    // UpdateMarkData. Null only when memory was short at construction and InitData has found none since; without a
+    // volume the slice table is null.
     virtual KsVolumeMark* GetMarkData();
     virtual void UpdateMarkData();
 

@@ -5,10 +5,13 @@
 // Memory that runs out while an engine is made.
 namespace corvane::tests
 {
-TEST(EngineMemoryAtStart, AnEngineWithoutAStateRefusesEverything)
+TEST(EngineMemoryAtStart, AnEngineThatGotNoneRefusesEverythingUntilItTakesAVolume)
 {
     const ScratchFolder folder;
     const TestVolume bone = BoneVolume();
+    Engine3D undisturbed;
+    ASSERT_TRUE(undisturbed.InitData(bone.data));
+    const Pixels expected = Picture(undisturbed);
     int failures = 0;
     for (int allowed = 0; allowed < 20; ++allowed)
     {
@@ -29,7 +32,6 @@ TEST(EngineMemoryAtStart, AnEngineWithoutAStateRefusesEverything)
         KsBlendImage blend = {};
         TestLabels labels = MakeLabels(1, 1, 1, [](int, int, int) { return 1; });
         const KsSliceParam slice = {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, 6};
-        EXPECT_FALSE(engine.InitData(bone.data));
         EXPECT_FALSE(engine.GetVolumeData(volume));
         EXPECT_FALSE(engine.SetGPUEnabled(true));
         EXPECT_FALSE(engine.SupportGPU() || engine.IsGPUEnabled());
@@ -79,6 +81,8 @@ TEST(EngineMemoryAtStart, AnEngineWithoutAStateRefusesEverything)
         engine.Clear();
         KsVolumeMark* const mark = engine.GetMarkData();
         EXPECT_TRUE(!mark || !mark->slices);
+        EXPECT_TRUE(engine.InitData(bone.data)); // now there is memory
+        EXPECT_EQ(Picture(engine), expected);
     }
     EXPECT_GE(failures, 3); // its own state, the GPU renderer, the CPU renderer
 }

@@ -46,7 +46,7 @@ int ExpectNothingLost(const std::function<bool(Image*)>& operation, Image& image
 }
 } // namespace
 
-TEST(AllocationFailure, LeavesARendererThatRefusesEverything)
+TEST(AllocationFailure, LeavesARendererThatRefusesEverythingUntilItTakesAVolume)
 {
     const TestVolume volume = MakeRamp();
     TestLabels labels = MakeLabels(24, 20, 16, [](int, int, int) { return 3; });
@@ -58,7 +58,6 @@ TEST(AllocationFailure, LeavesARendererThatRefusesEverything)
         if (!StopFailingAllocations())
             break;
         ++failures;
-        EXPECT_FALSE(render.InitData(volume.data));
         EXPECT_FALSE(render.SetMarkData(labels.mark));
         render.Clear();
         float low[3], high[3], vertexes[8][3];
@@ -78,11 +77,14 @@ TEST(AllocationFailure, LeavesARendererThatRefusesEverything)
         EXPECT_EQ(bytes[0], 1);
         KsVolumeMark* const record = render.GetMarkData();
         EXPECT_TRUE(!record || !record->slices);
+        EXPECT_TRUE(render.InitData(volume.data)); // now there is memory
+        EXPECT_TRUE(render.Imaging(&image));
+        EXPECT_EQ(values[0], 3 * 5 + 50 * 5 + 400 * 5);
     }
     EXPECT_GT(failures, 0);
 }
 
-TEST(AllocationFailure, LeavesAnEngineThatRefusesEveryImage)
+TEST(AllocationFailure, LeavesAnEngineThatRefusesEveryImageUntilItTakesAVolume)
 {
     const TestVolume volume = MakeRamp();
     TestLabels labels = MakeLabels(24, 20, 16, [](int, int, int) { return 3; });
@@ -94,7 +96,6 @@ TEST(AllocationFailure, LeavesAnEngineThatRefusesEveryImage)
         if (!StopFailingAllocations())
             break;
         ++failures;
-        EXPECT_FALSE(engine.InitData(volume.data));
         EXPECT_FALSE(engine.SetMarkData(labels.mark));
         engine.Reset();
         engine.Rotate(KsMPRTransverse, 0.5f);
@@ -127,6 +128,9 @@ TEST(AllocationFailure, LeavesAnEngineThatRefusesEveryImage)
         EXPECT_FALSE(engine.ImagingMinIP(slice, 5.0f, &image));
         EXPECT_FALSE(engine.ImagingAIP(slice, 5.0f, &image));
         engine.Clear();
+        EXPECT_TRUE(engine.InitData(volume.data)); // now there is memory
+        EXPECT_TRUE(engine.Imaging(AxialPlane(5, 5, 5, 2, 2, 1), &image));
+        EXPECT_EQ(image.values[0], 3 * 5 + 50 * 5 + 400 * 5);
     }
     EXPECT_GE(failures, 2); // its own state and its renderer's
 }

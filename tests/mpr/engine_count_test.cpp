@@ -130,6 +130,26 @@ TEST(EngineImageParam, IsRefusedWithoutAVolumeAndForUnknownPlanes)
         expectRefused(type);
 }
 
+// With a row direction that is far too long the image would have 10^13 columns.
+TEST(EngineImageCount, IsZeroWhereItsImageCannotBeCountedInPixels)
+{
+    const TestVolume volume = MakeBlank(24, 20, 16);
+    EngineMPR engine;
+    ASSERT_TRUE(engine.InitData(volume.data));
+    KsMPRParam planes;
+    ASSERT_TRUE(engine.GetParams(planes));
+    planes.transverse.rowDirection[0] = 1e12;
+    ASSERT_TRUE(engine.SetParams(planes));
+    PnImageParam param, before;
+    std::memset(&before, 0x5A, sizeof before);
+    param = before;
+    EXPECT_FALSE(engine.GetImageParam(KsMPRTransverse, param));
+    EXPECT_EQ(engine.GetImageCount(KsMPRTransverse, 1, &param), 0);
+    EXPECT_EQ(std::memcmp(&param, &before, sizeof param), 0);
+    EXPECT_GT(engine.GetImageCount(KsMPRTransverse, 1, nullptr), 0); // the slices themselves can be counted
+    EXPECT_GT(engine.GetImageCount(KsMPRCoronal, 1, &param), 0);     // the other planes are sound
+}
+
 TEST(EngineImageCount, StartsAtACountOfSlicesWithThePointInsideTheVolume)
 {
     const TestVolume volume = MakeBlank(24, 20, 16);

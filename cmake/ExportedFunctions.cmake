@@ -1,0 +1,10 @@
+# Writes exported_functions.inc into the build folder of the directory that calls this: a macro call CORVANE_FUNCTION(NAME)
+# for each function of the C interface. tests/package compares the list with the library itself.
+function(corvane_write_exported_functions)
+    set(exports ${PROJECT_SOURCE_DIR}/tests/package/libcorvane_c.exports)
+    set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${exports})
+    file(STRINGS ${exports} names)
+    list(TRANSFORM names REPLACE "(.+)" "CORVANE_FUNCTION(\\1)")
+    list(JOIN names "\n" CORVANE_FUNCTIONS)
+    file(CONFIGURE OUTPUT exported_functions.inc CONTENT "@CORVANE_FUNCTIONS@\n" @ONLY)
+endfunction()
