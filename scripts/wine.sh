@@ -11,7 +11,7 @@ fail()
 }
 
 [ $# -ge 2 ] || fail "usage: scripts/wine.sh PREFIX PROGRAM [ARGUMENT...]"
-wine=$(command -v wine64 /usr/lib/wine/wine64 wine | head -n 1) || fail "install wine64"
+wine=$(command -v wine64 || command -v /usr/lib/wine/wine64 || command -v wine) || fail "install wine64"
 mkdir -p "$1"
 WINEPREFIX=$(realpath "$1")
 shift
