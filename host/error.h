@@ -19,7 +19,8 @@ enum class ErrorKind
 class Error : public std::runtime_error
 {
 public:
-    Error(ErrorKind kind, const std::string& message) : std::runtime_error(message), kind_(kind) {}
+    // Messages quote files and their names, which may hold anything: see OneLine.
+    Error(ErrorKind kind, const std::string& message);
     ErrorKind Kind() const { return kind_; }
 
 private:

@@ -2,12 +2,12 @@
 
 #include <algorithm>
 
+#include "label_byte.h"
+
 namespace corvane::host
 {
 namespace
 {
-constexpr uint8_t kCutAway = 64;
-
 // Widens the marked voxels of one line by `margin` in both directions.
 //   stride  from one voxel of the line to the next
 void WidenLine(std::vector<uint8_t>& marks, size_t start, size_t stride, int length, int margin)
@@ -46,6 +46,6 @@ void HideLabels(Volume& volume, const std::set<int>& labels, int margin)
         Widen(marks, volume.grid, margin);
     for (size_t voxel = 0; voxel < marks.size(); ++voxel)
         if (marks[voxel])
-            volume.labels[voxel] |= kCutAway;
+            volume.labels[voxel] |= kCutBit;
 }
 } // namespace corvane::host

@@ -1,12 +1,13 @@
 #include "label_colours.h"
 
 #include <algorithm>
-#include <fstream>
+#include <sstream>
 #include <vector>
 
 #include "error.h"
 #include "numbers.h"
 #include "read_text.h"
+#include "text_file.h"
 
 namespace corvane::host
 {
@@ -88,9 +89,7 @@ LabelColours DefaultLabelColours()
 
 LabelColours ReadLabelColours(const std::string& path)
 {
-    std::ifstream file(path);
-    if (!file)
-        throw Error(ErrorKind::Input, path + ": cannot be read; give a colour table (.ctbl or label descriptions)");
+    std::istringstream file(TextOfFile(path, "a colour table (.ctbl or label descriptions)"));
     LabelColours colours;
     std::string line;
     int lineNumber = 0, named = 0;
@@ -105,7 +104,10 @@ LabelColours ReadLabelColours(const std::string& path)
             size_t label = 0;
             LabelColour colour;
             if (ParseLine(words, label, colour))
+            {
+                colour.name = OneLine(colour.name);
                 colours[label] = colour;
+            }
             ++named;
         }
         catch (const Error& error)

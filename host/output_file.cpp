@@ -1,7 +1,6 @@
 #include "output_file.h"
 
 #include <cerrno>
-#include <csignal>
 #include <cstring>
 #include <filesystem>
 
@@ -10,6 +9,7 @@
 #include <unistd.h>
 
 #include "error.h"
+#include "signals_held.h"
 
 namespace corvane::host
 {
@@ -17,25 +17,7 @@ namespace
 {
 namespace fs = std::filesystem;
 
-// Holds back the signals by which users and systems end a program, as long as it lives.
-class SignalsHeld
-{
-public:
-    SignalsHeld()
-    {
-        sigset_t ending;
-        sigemptyset(&ending);
-        for (int signal : {SIGINT, SIGTERM, SIGHUP})
-            sigaddset(&ending, signal);
-        pthread_sigmask(SIG_BLOCK, &ending, &before_);
-    }
-    ~SignalsHeld() { pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
-    SignalsHeld(const SignalsHeld&) = delete;
-    SignalsHeld& operator=(const SignalsHeld&) = delete;
-
-private:
-    sigset_t before_;
-};
+constexpr char kStandsThere[] = "exists already; add --force to replace it";
 
 [[noreturn]] void Refuse(const std::string& path, const std::string& what)
 {
@@ -56,6 +38,41 @@ bool WriteAll(int descriptor, const std::string& bytes)
         done += size_t(count);
     }
     return true;
+}
+
+// The descriptor of a new file beside the target, whose name is put into `partial`; below 0: none, see errno. A name
+// may be taken by what a run left that was killed.
+int OpenBeside(const std::string& path, std::string& partial)
+{
+    int descriptor = -1;
+    for (int attempt = 0; attempt < 100; ++attempt)
+    {
+        partial = path + "." + std::to_string(getpid()) + (attempt ? "-" + std::to_string(attempt) : "") + ".part";
+        descriptor = open(partial.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+        if (descriptor >= 0 || errno != EEXIST)
+            break;
+    }
+    return descriptor;
+}
+
+// Gives a whole file its name; what went wrong is left in errno.
+bool MoveInto(const std::string& partial, const std::string& path, bool replace)
+{
+    // A link never takes the place of a file that has come to stand there in the meantime. Where the disk knows no
+    // links there is only the look that was taken before.
+    if (!replace && link(partial.c_str(), path.c_str()) == 0)
+        return unlink(partial.c_str()) == 0;
+    return (replace || errno != EEXIST) && rename(partial.c_str(), path.c_str()) == 0;
+}
+
+// Throws Error (Output) for a folder in which nothing can be made.
+void CheckFolder(const std::string& path, const std::string& folder)
+{
+    std::error_code problem;
+    if (!fs::is_directory(folder, problem) && problem != std::errc::permission_denied)
+        Refuse(path, "its folder does not exist; create it first");
+    if (access(folder.c_str(), W_OK | X_OK) != 0)
+        Refuse(path, std::string("its folder cannot be written: ") + std::strerror(errno));
 }
 
 // A device or a pipe: there is nothing to replace.
@@ -84,14 +101,14 @@ void CheckOutput(const std::string& path, bool replace)
         return;
     if (path.empty())
         throw Error(ErrorKind::Output, "the name of the output file is empty");
-    if (fs::is_directory(path))
+    std::error_code problem;
+    const fs::file_status status = fs::symlink_status(path, problem);
+    if (fs::is_directory(fs::status(path, problem)))
         Refuse(path, "is a folder; give a file name");
-    std::error_code ignored;
-    if (!replace && fs::exists(fs::symlink_status(path, ignored)))
-        Refuse(path, "exists already; add --force to replace it");
+    if (!replace && fs::exists(status))
+        Refuse(path, kStandsThere);
     const fs::path folder = fs::path(path).parent_path();
-    if (!folder.empty() && !fs::is_directory(folder, ignored))
-        Refuse(path, "its folder does not exist; create it first");
+    CheckFolder(path, folder.empty() ? "." : folder.string());
 }
 
 void WriteOutput(const std::string& path, const std::string& bytes, bool replace)
@@ -103,8 +120,8 @@ void WriteOutput(const std::string& path, const std::string& bytes, bool replace
         return;
     }
     const SignalsHeld held;
-    const std::string partial = path + "." + std::to_string(getpid()) + ".part";
-    const int descriptor = open(partial.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+    std::string partial;
+    const int descriptor = OpenBeside(path, partial);
     if (descriptor < 0)
         Refuse(path, std::string("cannot be written: ") + std::strerror(errno));
     bool done = WriteAll(descriptor, bytes);
@@ -114,7 +131,7 @@ void WriteOutput(const std::string& path, const std::string& bytes, bool replace
         done = false;
         problem = errno;
     }
-    if (done && rename(partial.c_str(), path.c_str()) != 0)
+    if (done && !MoveInto(partial, path, replace))
     {
         done = false;
         problem = errno;
@@ -122,7 +139,7 @@ void WriteOutput(const std::string& path, const std::string& bytes, bool replace
     if (!done)
     {
         unlink(partial.c_str());
-        Refuse(path, std::string("cannot be written: ") + std::strerror(problem));
+        Refuse(path, problem == EEXIST ? kStandsThere : std::string("cannot be written: ") + std::strerror(problem));
     }
 }
 } // namespace corvane::host

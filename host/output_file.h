@@ -5,7 +5,8 @@
 
 namespace corvane::host
 {
-// Throws Error (Output) when a file stands at `path` already and `replace` is false, or when its folder is missing.
+// Throws Error (Output) when a file stands at `path` already and `replace` is false, or when its folder is missing or
+// cannot be written.
 // Devices, pipes and "-" (standard output) may always be written.
 void CheckOutput(const std::string& path, bool replace);
 

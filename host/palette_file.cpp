@@ -3,36 +3,22 @@
 #include <algorithm>
 #include <cmath>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 
 #include "error.h"
 #include "palette_json.h"
 #include "palette_xml.h"
 #include "read_text.h"
+#include "text_file.h"
 
 namespace corvane::host
 {
 namespace
 {
 constexpr double kLargestValue = 1e12;
-constexpr uintmax_t kLargestFile = 16 << 20; // bytes; such files are a few hundred kilobytes at most
 
 [[noreturn]] void Refuse(const std::string& path, const std::string& what)
 {
     throw Error(ErrorKind::Input, path + ": " + what);
-}
-
-std::string TextOf(const std::string& path)
-{
-    std::error_code problem;
-    const uintmax_t size = std::filesystem::file_size(path, problem);
-    std::ifstream file(path, std::ios::binary);
-    if (problem || !file)
-        Refuse(path, "cannot be read; give a palette file or the name of a preset (see --list-presets)");
-    if (size > kLargestFile)
-        Refuse(path, "is too large for a palette");
-    return {std::istreambuf_iterator<char>(file), {}};
 }
 
 // Values of opacity and shading, order of points: what every kind of file must keep to.
@@ -77,7 +63,7 @@ TransferFunction ReadTransferFunction(const std::string& path)
         file = path.substr(0, mark);
         wanted = path.substr(mark + 1);
     }
-    const std::string text = TextOf(file);
+    const std::string text = TextOfFile(file, "a palette file or the name of a preset (see --list-presets)");
     const size_t first = text.find_first_not_of(" \t\r\n\xEF\xBB\xBF");
     const char kind = first == std::string::npos ? ' ' : text[first];
     if (kind != '{' && kind != '<')
@@ -89,6 +75,9 @@ TransferFunction ReadTransferFunction(const std::string& path)
     if (function.name.empty())
         function.name = FileNameOf(file);
     Check(function, file);
+    function.name = OneLine(function.name);
+    for (std::string& warning : function.warnings)
+        warning = OneLine(warning);
     return function;
 }
 } // namespace corvane::host

@@ -206,6 +206,10 @@ TransferFunction TransferFunctionOfJson(const std::string& text, const std::stri
     {
         json = Json::parse(text);
     }
+    catch (const Json::out_of_range&)
+    {
+        throw Error(ErrorKind::Input, file + ": holds a number that is too large for any palette");
+    }
     catch (const Json::parse_error& error)
     {
         const auto line =

@@ -1,14 +1,12 @@
 #include "polygon_file.h"
 
 #include <algorithm>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 
 #include <nlohmann/json.hpp>
 
 #include "error.h"
 #include "read_text.h"
+#include "text_file.h"
 
 namespace corvane::host
 {
@@ -19,19 +17,6 @@ using Json = nlohmann::json;
 [[noreturn]] void Refuse(const std::string& place, const std::string& what)
 {
     throw Error(ErrorKind::Input, place + ": " + what);
-}
-
-std::string TextOf(const std::string& path)
-{
-    constexpr uintmax_t kLargestFile = uintmax_t(64) << 20;
-    std::error_code problem;
-    const uintmax_t size = std::filesystem::file_size(path, problem);
-    std::ifstream file(path, std::ios::binary);
-    if (problem || !file)
-        Refuse(path, "cannot be read; give a file with the corners of polygons");
-    if (size > kLargestFile)
-        Refuse(path, "is too large for a file with the corners of polygons");
-    return {std::istreambuf_iterator<char>(file), {}};
 }
 
 // Names the place in the file when a polygon is none.
@@ -130,10 +115,10 @@ std::vector<GivenPolygon> FromJson(const std::string& text, const std::string& f
 
 std::vector<GivenPolygon> ReadPolygons(const std::string& path)
 {
-    const std::string text = TextOf(path);
+    const std::string text = TextOfFile(path, "a file with the corners of polygons");
     const std::string start = Trimmed(text).substr(0, 1);
     const bool isJson = start == "{" || start == "[";
-    const std::vector<GivenPolygon> polygons = isJson ? FromJson(text, path) : FromText(text, path);
+    std::vector<GivenPolygon> polygons = isJson ? FromJson(text, path) : FromText(text, path);
     if (polygons.empty())
         Refuse(path, "holds no polygon; give the corners of one at least");
     return polygons;

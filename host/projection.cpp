@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "error.h"
+#include "label_byte.h"
 #include "plane.h"
 #include "quiet_output.h"
 
@@ -10,8 +11,6 @@ namespace corvane::host
 {
 namespace
 {
-constexpr uint8_t kCutAway = 64; // the one bit of a label that matters to projections
-
 void Require(bool done)
 {
     if (!done)
@@ -35,17 +34,21 @@ KsImageData ProjectedImage::Record()
     return record;
 }
 
-Projector::Projector(const VolumeView& volume) : scene_(volume, kCutAway) { tables_.entries[0] = &shown_; }
+// The cut is the one bit of a label that matters to projections.
+Projector::Projector(const VolumeView& volume) : scene_(volume, kCutBit) { tables_.entries[0] = &shown_; }
 
-PnImageParam Projector::PlaneOf(const Framing& framing)
+PnImageParam Projector::PlaneOf(const Framing& framing) { return InTheMiddle(framing, scene_.Aim(framing)); }
+
+PnImageParam Projector::InTheMiddle(const Framing& framing, const PnImageParam& plane)
 {
-    return Through(framing.middle.value_or(scene_.Middle()), scene_.Aim(framing), framing.view.direction);
+    return Through(framing.middle.value_or(scene_.Middle()), plane, framing.view.direction);
 }
 
 ProjectedImage Projector::ThroughVolume(Projection projection, const Framing& framing)
 {
-    ProjectedImage image = {PlaneOf(framing), std::vector<int16_t>(size_t(framing.rows) * framing.columns)};
-    KsImageVAL record = {image.values.data(), scene_.Aim(framing)};
+    const PnImageParam plane = scene_.Aim(framing);
+    ProjectedImage image = {InTheMiddle(framing, plane), std::vector<int16_t>(size_t(framing.rows) * framing.columns)};
+    KsImageVAL record = {image.values.data(), plane};
     const int rows = int(framing.rows), columns = int(framing.columns);
     const QuietOutput quiet;
     if (framing.middle)

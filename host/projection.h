@@ -50,6 +50,9 @@ public:
     ProjectedImage ThroughSlab(Projection projection, const PnImageParam& plane, double thickness);
 
 private:
+    // A picture's plane, moved along the line of sight to the middle of what is projected.
+    PnImageParam InTheMiddle(const Framing& framing, const PnImageParam& plane);
+
     // What the renderer beside the engine draws with: a table by which label 0 takes part.
     uint8_t noColour_[2 * 3] = {};
     float noOpacity_[2] = {};

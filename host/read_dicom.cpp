@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -27,6 +28,9 @@ std::vector<char> FirstBytes(const fs::path& path)
 {
     std::vector<char> bytes(kSniffedBytes);
     std::ifstream file(path, std::ios::binary);
+    if (!file)
+        throw Error(ErrorKind::Input, path.string() + ": cannot be read (" + std::strerror(errno) +
+                                          ") and may be a slice; make it readable or move it out of the folder");
     file.read(bytes.data(), std::streamsize(bytes.size()));
     bytes.resize(size_t(file.gcount()));
     return bytes;
@@ -57,7 +61,7 @@ std::vector<DicomHeader> HeadersOf(const std::string& folder)
     std::error_code error;
     std::vector<fs::path> paths;
     for (fs::directory_iterator entry(folder, error), end; !error && entry != end; entry.increment(error))
-        if (entry->is_regular_file())
+        if (std::error_code ignored; entry->is_regular_file(ignored)) // a link to nowhere is none
             paths.push_back(entry->path());
     if (error)
         throw Error(ErrorKind::Input, folder + ": the folder cannot be read (" + error.message() + ")");
@@ -172,15 +176,18 @@ void ReadSlices(const std::vector<DicomHeader>& files, const std::vector<size_t>
     const size_t sliceBytes = raw.grid.VoxelsPerSlice() * BytesPerSample(raw.type);
     char* const memory = reinterpret_cast<char*>(raw.memory.data());
     size_t image = 0;
-    for (const DicomHeader& file : files)
-    {
-        const std::vector<char> samples = ReadPixels(file, raw.type);
-        for (size_t frame = 0; frame < file.frames.size(); ++frame, ++image)
-        {
-            std::memcpy(memory + sliceOf[image] * sliceBytes, samples.data() + frame * sliceBytes, sliceBytes);
-            raw.rescale[sliceOf[image]] = file.frames[frame].rescale;
-        }
-    }
+    auto file = files.begin();
+    ReadPixels(files, raw.type,
+               [&](const std::vector<char>& samples)
+               {
+                   for (size_t frame = 0; frame < file->frames.size(); ++frame, ++image)
+                   {
+                       std::memcpy(memory + sliceOf[image] * sliceBytes, samples.data() + frame * sliceBytes,
+                                   sliceBytes);
+                       raw.rescale[sliceOf[image]] = file->frames[frame].rescale;
+                   }
+                   ++file;
+               });
 }
 
 RawVolume ReadFiles(const std::vector<DicomHeader>& files)
@@ -190,6 +197,7 @@ RawVolume ReadFiles(const std::vector<DicomHeader>& files)
     for (const DicomHeader& file : files)
     {
         CheckPixelsAreGrey(file);
+        CheckPixelsFit(file);
         for (size_t frame = 0; frame < file.frames.size(); ++frame)
             places.push_back(PlaceOf(file, frame));
     }

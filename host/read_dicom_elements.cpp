@@ -57,6 +57,7 @@ public:
     DicomFile ReadFile()
     {
         DicomFile file;
+        file.size = size_;
         SkipPreamble();
         ReadElements(file.data, size_, {}, 0, Part::Meta, file);
         file.transferSyntax = Trimmed(file.data.Value(kTransferSyntax));

@@ -37,6 +37,7 @@ struct DicomFile
     DicomDataSet data;
     std::string transferSyntax; // UID
     bool bigEndian = false;
+    uint64_t size = 0;                   // bytes of the file
     uint64_t pixelOffset = 0;            // of the pixel data's value in the file; 0: none
     std::optional<uint64_t> pixelLength; // bytes; none: in pieces (compressed)
 };

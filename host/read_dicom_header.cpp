@@ -24,7 +24,7 @@ constexpr DicomTag kPlanePositionGroup = 0x00209113, kPlaneOrientationGroup = 0x
 constexpr DicomTag kPixelMeasuresGroup = 0x00289110, kValueTransformationGroup = 0x00289145;
 constexpr int kMaxFrames = 1 << 20;
 
-std::string Text(const DicomDataSet& data, DicomTag tag) { return Trimmed(data.Value(tag)); }
+std::string Text(const DicomDataSet& data, DicomTag tag) { return OneLine(Trimmed(data.Value(tag))); }
 
 int Unsigned16(const DicomFile& file, DicomTag tag, int otherwise)
 {
@@ -115,6 +115,8 @@ std::optional<DicomHeader> HeaderOf(const DicomFile& file, const std::string& pa
     header.bigEndian = file.bigEndian;
     header.pixelOffset = file.pixelOffset;
     header.pixelLength = file.pixelLength;
+    if (file.pixelOffset > 0 && file.size > file.pixelOffset)
+        header.bytesInFile = file.size - file.pixelOffset;
     header.seriesUid = Text(data, kSeriesUid);
     header.modality = Text(data, kModality);
     header.description = Text(data, kSeriesDescription);
@@ -127,6 +129,10 @@ std::optional<DicomHeader> HeaderOf(const DicomFile& file, const std::string& pa
     const double frameCount = ParseNumber(Text(data, kFrameCount)).value_or(1);
     if (!(frameCount >= 1 && frameCount <= kMaxFrames))
         throw Error(ErrorKind::Input, FileNameOf(path) + ": the header says " + Number(frameCount) + " frames");
+    if (frameCount > 1 && frameCount > double(header.bytesInFile))
+        throw Error(ErrorKind::Input, FileNameOf(path) + ": the header says " + Number(frameCount) +
+                                          " frames, but only " + std::to_string(header.bytesInFile) +
+                                          " bytes of pixels are there; the file is cut off");
     header.frames = ReadFrames(data, int(frameCount));
     return header;
 }

@@ -35,6 +35,12 @@ struct DicomHeader
     bool bigEndian = false;
     uint64_t pixelOffset = 0;            // of the pixels in the file; 0: none
     std::optional<uint64_t> pixelLength; // bytes; none: in compressed pieces
+    uint64_t bytesInFile = 0;            // from the pixels on to its end
+
+    size_t PixelCount() const { return size_t(rows) * size_t(columns) * frames.size(); }
+    size_t BytesPerPixel() const { return size_t(bitsAllocated) / 8; }
+    size_t PixelBytes() const { return PixelCount() * BytesPerPixel(); } // without compression
+    bool HasPlainPixels() const { return pixelLength || pixelOffset == 0; }
 };
 
 // Reads the header of a DICOM file, with or without preamble; nothing when the file holds no image.

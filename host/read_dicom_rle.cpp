@@ -26,11 +26,11 @@ bool DecodePlane(std::string_view runs, char* out, size_t pixelCount, size_t str
     {
         if (at >= runs.size())
             return false;
-        const int control = static_cast<signed char>(runs[at++]);
-        if (control == -128)
+        const int control = static_cast<unsigned char>(runs[at++]);
+        if (control == 128)
             continue;
-        const bool isRun = control < 0;
-        const size_t count = std::min(size_t(isRun ? 1 - control : control + 1), pixelCount - done);
+        const bool isRun = control > 128;
+        const size_t count = std::min(size_t(isRun ? 257 - control : control + 1), pixelCount - done);
         if (at + (isRun ? 1 : count) > runs.size())
             return false;
         for (size_t i = 0; i < count; ++i)

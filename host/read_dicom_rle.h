@@ -3,10 +3,13 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace corvane::host
 {
+constexpr std::string_view kRleSyntax = "1.2.840.10008.1.2.5"; // transfer syntax of run-length coded pictures
+
 // The pixels of one run-length coded picture, least significant byte first; nothing when it is damaged.
 //   pixelCount     pixels of the picture
 //   bytesPerPixel  each byte of a pixel is a plane of its own, the most significant first

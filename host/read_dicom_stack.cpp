@@ -17,6 +17,7 @@ constexpr double kMaxSpacingError = 1e-4;   // between the images of a stack, re
 constexpr double kMaxStepError = 0.01;      // of the step, off the even line
 constexpr double kMinTolerance = 0.01;      // mm: positions are often written with two decimals
 constexpr double kQuietError = 0.005;       // mm: rounding of two decimals
+constexpr double kMaxDistance = 1e9;        // mm from the patient's zero
 constexpr double kMaxMultipleError = 0.1;   // of the step, for a gap to count as missing slices
 
 std::string Millimetres(double length) { return Number(length) + " mm"; }
@@ -30,6 +31,12 @@ void CheckImage(const SlicePlace& slice)
     if (!(std::abs(row - 1) <= kMaxLengthError) || !(std::abs(column - 1) <= kMaxLengthError))
         throw Error(ErrorKind::Input, slice.name + ": its image orientation has directions of length " + Number(row) +
                                           " and " + Number(column) + ", not 1; the header is wrong");
+    if (!(Length(Cross(slice.rowDirection, slice.columnDirection)) > 0))
+        throw Error(ErrorKind::Input, slice.name + ": its image orientation has the same direction for rows and for "
+                                                   "columns; the header is wrong");
+    if (!(Length(slice.position) <= kMaxDistance))
+        throw Error(ErrorKind::Input, slice.name + ": its image position is " + PointText(slice.position) +
+                                          ", which is no patient; the header is wrong");
 }
 
 void CheckAlike(const SlicePlace& first, const SlicePlace& other)

@@ -14,6 +14,7 @@ namespace
 constexpr int64_t kMaxPixelsPerSlice = INT32_MAX;       // pixels of a slice are counted in 32 bits
 constexpr int64_t kMaxVoxels = int64_t(1) << 32;        // 8 GiB of stored values
 constexpr double kMinSpacing = 1e-6, kMaxSpacing = 1e6; // mm; beyond them single precision ends
+constexpr double kMaxRatio = 1e4;                       // of spacings; beyond it a picture takes minutes
 constexpr double kMaxDistance = 1e9;                    // mm from the patient's zero
 constexpr double kMaxCosine = 1e-3;                     // of row with column direction: rounding, 0.06 degrees
 constexpr double kQuietCosine = 1e-5;                   // single-precision headers reach 1e-7
@@ -51,7 +52,7 @@ Grid GridFromSteps(const std::string& name, const std::array<int64_t, 3>& sizes,
 
     const double least = std::min({spacingX, spacingY, spacingZ > 0 ? spacingZ : spacingX});
     const double most = std::max({spacingX, spacingY, spacingZ});
-    if (least < kMinSpacing || most > kMaxSpacing || !(Length(origin) <= kMaxDistance))
+    if (least < kMinSpacing || most > kMaxSpacing || most > kMaxRatio * least || !(Length(origin) <= kMaxDistance))
         throw Error(ErrorKind::Input, name + ": the header says voxel spacings from " + Number(least) + " to " +
                                           Number(most) + " mm and the first voxel at " + PointText(origin) +
                                           ", which is no patient; the header or its unit is wrong");

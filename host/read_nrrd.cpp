@@ -1,17 +1,20 @@
 #include "read_nrrd.h"
 
 #include "error.h"
-#include "label_file.h"
 #include "read_bytes.h"
-#include "read_grid.h"
+#include "read_nrrd_library.h"
 #include "read_text.h"
+#include "run_apart.h"
+#include "text_file.h"
 
-#include <cstdlib>
+#include <cctype>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
-#include <memory>
-#include <teem/nrrd.h>
+#include <optional>
+#include <span>
+#include <sstream>
+#include <type_traits>
 
 namespace corvane::host
 {
@@ -20,277 +23,133 @@ namespace
 constexpr size_t kMaxHeaderLine = 1 << 16;
 constexpr int kMaxHeaderLines = 10000;
 
-struct FreeNrrd
-{
-    void operator()(Nrrd* nrrd) const { nrrdNuke(nrrd); }
-    void operator()(NrrdIoState* state) const { nrrdIoStateNix(state); }
-};
-using NrrdPointer = std::unique_ptr<Nrrd, FreeNrrd>;
-using StatePointer = std::unique_ptr<NrrdIoState, FreeNrrd>;
-
 [[noreturn]] void Fail(const std::string& path, const std::string& what)
 {
     throw Error(ErrorKind::Input, FileNameOf(path) + ": " + what);
 }
 
-// The library's own explanation: its innermost line, which names the cause.
-[[noreturn]] void FailWithLibraryMessage(const std::string& path)
+// A line of a header; it ends as those of Unix, Windows or old Macs do. Nothing at the end of the file.
+std::optional<std::string> ReadLine(std::ifstream& file)
 {
-    const std::unique_ptr<char, decltype(&std::free)> text(biffGetDone(NRRD), &std::free);
-    std::string lines = Trimmed(text ? text.get() : "");
-    const size_t lastLine = lines.rfind('\n');
-    if (lastLine != std::string::npos)
-        lines = lines.substr(lastLine + 1);
-    Fail(path, "cannot be read as NRRD: " + lines);
+    std::string line;
+    int character = file.get();
+    if (character == EOF)
+        return std::nullopt;
+    for (; character != EOF && character != '\n' && character != '\r' && line.size() < kMaxHeaderLine;
+         character = file.get())
+        line += char(character);
+    if (character == '\r' && file.peek() == '\n')
+        file.get();
+    return line;
 }
 
-// The library builds numbered file names with the header's own format text; such headers are not handed to it.
-void RefuseNumberedDataFiles(const std::string& path)
+// The name of a header's field as it is compared: in small letters, whatever the file uses.
+std::string FieldOf(const std::string& line)
+{
+    std::string field = Trimmed(line.substr(0, line.find(':')));
+    for (char& c : field)
+        c = char(std::tolower(static_cast<unsigned char>(c)));
+    return field;
+}
+
+// What a header says about files of voxels is looked at before the library sees it: it builds numbered names with the
+// header's own format text, and opens whatever is named.
+void CheckDataFiles(const std::string& path)
 {
     std::ifstream file(path, std::ios::binary);
-    std::string line;
+    const std::filesystem::path folder = std::filesystem::path(path).parent_path();
+    bool inList = false; // of names, one on each line
     for (int lineCount = 0; lineCount < kMaxHeaderLines; ++lineCount)
     {
-        line.clear();
-        int character = 0;
-        while (line.size() < kMaxHeaderLine && (character = file.get()) != EOF && character != '\n')
-            line += char(character);
-        if (Trimmed(line).empty())
+        const std::optional<std::string> line = ReadLine(file);
+        if (!line || line->empty())
             return; // an empty line ends the header
-        if ((line.starts_with("data file:") || line.starts_with("datafile:")) && line.find('%') != std::string::npos)
+        if (line->size() >= kMaxHeaderLine)
+            Fail(path, "its header has a line that is too long");
+        std::string name;
+        if (inList)
+            name = Trimmed(*line);
+        else if (const std::string field = FieldOf(*line); field == "data file" || field == "datafile")
+            name = Trimmed(line->substr(line->find(':') + 1));
+        if (!inList && name.find('%') != std::string::npos)
             Fail(path, "its voxels are spread over numbered files; join them into one file first");
-        if (character == EOF)
-            return;
+        if (!inList && (name.starts_with("LIST") || name.starts_with("SKIPLIST")))
+        {
+            inList = true;
+            continue;
+        }
+        if (!name.empty())
+            RefuseUnlessFile((folder / name).string());
+        if (inList && name.find(' ') != std::string::npos) // a count of bytes may stand before the name
+            RefuseUnlessFile((folder / Trimmed(name.substr(name.find(' ')))).string());
     }
     Fail(path, "its header has no end");
 }
 
-NrrdPointer Load(const std::string& path, bool headerOnly, NrrdIoState* state)
+// What a header says, as it comes from another process.
+struct PlainHeader
 {
-    NrrdPointer nrrd(nrrdNew());
-    state->skipData = headerOnly;
-    if (nrrdLoad(nrrd.get(), path.c_str(), state))
-        FailWithLibraryMessage(path);
-    return nrrd;
+    Grid grid;
+    SampleType type;
+    bool marksCuts;
+    char warnings[1 << 16]; // one on a line
+};
+static_assert(std::is_trivially_copyable_v<PlainHeader>);
+
+PlainHeader PlainHeaderOf(const RawVolume& raw)
+{
+    PlainHeader header = {};
+    header.grid = raw.grid;
+    header.type = raw.type;
+    header.marksCuts = raw.marksCuts;
+    std::string lines;
+    for (const std::string& warning : raw.warnings)
+        lines += OneLine(warning) + '\n';
+    lines.copy(header.warnings, sizeof(header.warnings) - 1);
+    return header;
 }
 
-// Bytes of all files that hold voxels.
-uint64_t DataFileBytes(const std::string& path, const NrrdIoState& state)
+RawVolume VolumeOf(const std::string& path, const PlainHeader& header)
 {
-    namespace fs = std::filesystem;
-    std::error_code error;
-    if (!state.dataFNArr || state.dataFNArr->len == 0)
-        return fs::file_size(path, error);
-    uint64_t bytes = 0;
-    for (unsigned int i = 0; i < state.dataFNArr->len; ++i)
-    {
-        const uint64_t size = fs::file_size(fs::path(path).parent_path() / state.dataFN[i], error);
-        if (error)
-            Fail(path, std::string("its voxels should be in ") + state.dataFN[i] + ", which cannot be read");
-        bytes += size;
-    }
-    return bytes;
-}
-
-// A header that promises more than its files hold is found before memory is taken.
-void CheckDataFits(const std::string& path, const Nrrd& header, const NrrdIoState& state)
-{
-    constexpr uint64_t kMaxSamples = uint64_t(1) << 36;
-    constexpr uint64_t kMaxDeflateRatio = 1032; // zlib's documented bound
-    uint64_t samples = 1;
-    for (unsigned int axis = 0; axis < header.dim; ++axis)
-    {
-        if (header.axis[axis].size == 0 || header.axis[axis].size > kMaxSamples / samples)
-            Fail(path, "the sizes in the header are 0 or too large");
-        samples *= header.axis[axis].size;
-    }
-    const uint64_t bytes = samples * nrrdTypeSize[header.type];
-    uint64_t needed = bytes;
-    if (state.encoding == nrrdEncodingHex)
-        needed = 2 * bytes;
-    else if (state.encoding == nrrdEncodingAscii)
-        needed = 2 * samples - 1;
-    else if (state.encoding == nrrdEncodingGzip)
-        needed = bytes / kMaxDeflateRatio;
-    else if (state.encoding != nrrdEncodingRaw)
-        Fail(path, std::string("the encoding ") + state.encoding->name + " is not read; save it as raw or gzip");
-    const uint64_t available = DataFileBytes(path, state);
-    if (available < needed)
-        Fail(path, "the header asks for " + std::to_string(bytes) + " bytes of voxels, but only " +
-                       std::to_string(available) + " bytes are there; the file is cut off or its header is wrong");
-}
-
-bool IsColour(int kind)
-{
-    return kind == nrrdKindRGBColor || kind == nrrdKindHSVColor || kind == nrrdKindXYZColor ||
-           kind == nrrdKindRGBAColor || kind == nrrdKind3Color || kind == nrrdKind4Color;
-}
-
-bool HasDirection(const Nrrd& nrrd, unsigned int axis)
-{
-    return nrrdSpaceVecExists(nrrd.spaceDim, nrrd.axis[axis].spaceDirection);
-}
-
-// True for an axis along which the volume extends in space.
-bool IsSpatial(const Nrrd& nrrd, unsigned int axis)
-{
-    if (nrrd.spaceDim > 0)
-        return HasDirection(nrrd, axis);
-    const int kind = nrrd.axis[axis].kind;
-    return kind == nrrdKindUnknown || kind == nrrdKindDomain || kind == nrrdKindSpace;
-}
-
-// The axis to drop from data with more than three: the first that is not spatial, else the last.
-unsigned int AxisToDrop(const Nrrd& nrrd)
-{
-    for (unsigned int axis = 0; axis < nrrd.dim; ++axis)
-        if (!IsSpatial(nrrd, axis))
-            return axis;
-    return nrrd.dim - 1;
-}
-
-SampleType TypeOf(const std::string& path, int type)
-{
-    switch (type)
-    {
-    case nrrdTypeChar:
-        return SampleType::Int8;
-    case nrrdTypeUChar:
-        return SampleType::UInt8;
-    case nrrdTypeShort:
-        return SampleType::Int16;
-    case nrrdTypeUShort:
-        return SampleType::UInt16;
-    case nrrdTypeInt:
-        return SampleType::Int32;
-    case nrrdTypeUInt:
-        return SampleType::UInt32;
-    case nrrdTypeLLong:
-        return SampleType::Int64;
-    case nrrdTypeULLong:
-        return SampleType::UInt64;
-    case nrrdTypeFloat:
-        return SampleType::Float32;
-    case nrrdTypeDouble:
-        return SampleType::Float64;
-    default:
-        Fail(path, "blocks of bytes are no voxels that can be shown");
-    }
-}
-
-// What turns the file's space into ours: LPS.
-Vec3 SignsOf(int space, std::vector<std::string>& warnings)
-{
-    switch (space)
-    {
-    case nrrdSpaceLeftPosteriorSuperior:
-        return {1, 1, 1};
-    case nrrdSpaceRightAnteriorSuperior:
-        return {-1, -1, 1};
-    case nrrdSpaceLeftAnteriorSuperior:
-        return {1, -1, 1};
-    default:
-        warnings.push_back(std::string("the file does not say how its space lies in the patient") +
-                           (space == nrrdSpaceUnknown ? "" : std::string(" (") + airEnumStr(nrrdSpace, space) + ")") +
-                           "; taken as left, posterior, superior");
-        return {1, 1, 1};
-    }
-}
-
-double MillimetresPerUnit(const char* unit, std::vector<std::string>& warnings)
-{
-    const std::string name = unit ? Trimmed(unit) : "";
-    if (name.empty() || name == "mm" || name == "millimeter" || name == "millimeters")
-        return 1;
-    if (name == "m")
-        return 1000;
-    if (name == "cm")
-        return 10;
-    if (name == "um" || name == "\xc2\xb5m" || name == "micron" || name == "microns")
-        return 0.001;
-    warnings.push_back("unknown unit of length '" + name + "'; taken as mm");
-    return 1;
-}
-
-Grid GridOf(const std::string& path, const Nrrd& nrrd, std::vector<std::string>& warnings)
-{
-    std::array<int64_t, 3> sizes;
-    for (unsigned int axis = 0; axis < 3; ++axis)
-        sizes[axis] = int64_t(nrrd.axis[axis].size);
-    const Vec3 signs = SignsOf(nrrd.space, warnings);
-
-    std::array<Vec3, 3> steps;
-    Vec3 origin;
-    if (nrrd.spaceDim == 3 && HasDirection(nrrd, 0) && HasDirection(nrrd, 1) && HasDirection(nrrd, 2))
-    {
-        const Vec3 units = {MillimetresPerUnit(nrrd.spaceUnits[0], warnings),
-                            MillimetresPerUnit(nrrd.spaceUnits[1], warnings),
-                            MillimetresPerUnit(nrrd.spaceUnits[2], warnings)};
-        const auto inSpace = [&](const double* v) {
-            return Vec3{signs.x * units.x * v[0], signs.y * units.y * v[1], signs.z * units.z * v[2]};
-        };
-        for (unsigned int axis = 0; axis < 3; ++axis)
-            steps[axis] = inSpace(nrrd.axis[axis].spaceDirection);
-        if (nrrdSpaceVecExists(3, nrrd.spaceOrigin))
-            origin = inSpace(nrrd.spaceOrigin);
-        else
-            warnings.push_back("the file gives no origin; the first voxel is put at (0, 0, 0)");
-        return GridFromSteps(FileNameOf(path), sizes, origin, steps, warnings);
-    }
-    if (nrrd.spaceDim != 0)
-        Fail(path, "space directions are missing for one of the first three axes, or their space is not 3-dimensional");
-
-    warnings.push_back("the file gives no directions; the axes are taken along patient x, y and z from (0, 0, 0)");
-    double spacing[3];
-    for (unsigned int axis = 0; axis < 3; ++axis)
-    {
-        spacing[axis] = nrrd.axis[axis].spacing * MillimetresPerUnit(nrrd.axis[axis].units, warnings);
-        if (!std::isfinite(spacing[axis]))
-        {
-            warnings.push_back("the file gives no spacing of axis " + std::to_string(axis + 1) + "; taken as 1 mm");
-            spacing[axis] = 1;
-        }
-    }
-    steps = {Vec3{signs.x * spacing[0], 0, 0}, Vec3{0, signs.y * spacing[1], 0}, Vec3{0, 0, signs.z * spacing[2]}};
-    return GridFromSteps(FileNameOf(path), sizes, origin, steps, warnings);
+    RawVolume raw;
+    raw.description = FileNameOf(path);
+    raw.grid = header.grid;
+    raw.type = header.type;
+    raw.marksCuts = header.marksCuts;
+    std::istringstream lines(header.warnings);
+    for (std::string line; std::getline(lines, line);)
+        raw.warnings.push_back(line);
+    return raw;
 }
 } // namespace
 
+// The library works in another process: damaged files make it read and write outside its memory.
 RawVolume ReadNrrd(const std::string& path)
 {
-    RefuseNumberedDataFiles(path);
-    nrrdStateVerboseIO = 0;
+    constexpr unsigned int kSeconds = 3;
+    constexpr size_t kSlowest =
+        1 << 20; // bytes a second; numbers as text, the slowest encoding, make several times that
+    CheckDataFiles(path);
+    PlainHeader header = {};
+    const auto readHeader = [&](char* bytes)
     {
-        const StatePointer state(nrrdIoStateNew());
-        const NrrdPointer header = Load(path, true, state.get());
-        CheckDataFits(path, *header, *state);
-    }
-    const StatePointer state(nrrdIoStateNew());
-    NrrdPointer nrrd = Load(path, false, state.get());
+        const PlainHeader found = PlainHeaderOf(ReadNrrdHeader(path));
+        std::memcpy(bytes, &found, sizeof(found));
+        return true;
+    };
+    if (!RunApart({reinterpret_cast<char*>(&header), sizeof(header)}, kSeconds, readHeader))
+        Fail(path, "cannot be read as NRRD: the header is damaged");
 
-    RawVolume raw;
-    raw.description = FileNameOf(path);
-    const std::unique_ptr<char, decltype(&std::free)> mark(nrrdKeyValueGet(nrrd.get(), kCutMarkName), &std::free);
-    raw.marksCuts = mark && Trimmed(mark.get()) == kCutMark;
-    while (nrrd->dim > 3)
-    {
-        const unsigned int axis = AxisToDrop(*nrrd);
-        if (IsColour(nrrd->axis[axis].kind))
-            Fail(path, "colour voxels cannot be shown; convert them to one number per voxel");
-        if (nrrd->axis[axis].size > 1)
-            raw.warnings.push_back("the file holds " + std::to_string(nrrd->axis[axis].size) + " values along axis " +
-                                   std::to_string(axis + 1) + "; only the first is read");
-        NrrdPointer slice(nrrdNew());
-        if (nrrdSlice(slice.get(), nrrd.get(), axis, 0))
-            FailWithLibraryMessage(path);
-        nrrd = std::move(slice);
-    }
-    if (nrrd->dim < 3 || AxisToDrop(*nrrd) != 2 || !IsSpatial(*nrrd, 2))
-        Fail(path, "holds no volume: three axes in space are needed");
-    raw.type = TypeOf(path, nrrd->type);
-    raw.grid = GridOf(path, *nrrd, raw.warnings);
+    RawVolume raw = VolumeOf(path, header);
     raw.Allocate(FileNameOf(path));
-    std::memcpy(raw.memory.data(), nrrd->data, raw.ByteCount());
+    const std::span<char> voxels(reinterpret_cast<char*>(raw.memory.data()), raw.ByteCount());
+    const auto readVoxels = [&](char* bytes)
+    {
+        ReadNrrdVoxels(path, {bytes, voxels.size()});
+        return true;
+    };
+    if (!RunApart(voxels, unsigned(kSeconds + voxels.size() / kSlowest), readVoxels))
+        Fail(path, "cannot be read as NRRD: the voxels are damaged");
     return raw;
 }
 } // namespace corvane::host

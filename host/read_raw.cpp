@@ -14,6 +14,8 @@ namespace corvane::host
 {
 namespace
 {
+constexpr double kLargestReal = 1e300; // sums and differences of two stay finite
+constexpr double kSmallestStep = 1e-300;
 constexpr double kMinStored = INT16_MIN, kMaxStored = INT16_MAX;
 constexpr double kMaxClampedShare = 0.001; // of the voxels: metal, markers
 constexpr double kCtLikeMinimum = -500;    // values below mean air in HU
@@ -25,7 +27,7 @@ void WithType(SampleType type, Action action)
 {
     switch (type)
     {
-    case SampleType::UInt8:
+    case SampleType::UInt8: // NOLINT(bugprone-branch-clone): the branches differ in their types
         return action(uint8_t());
     case SampleType::Int8:
         return action(int8_t());
@@ -71,6 +73,8 @@ void ForEachSample(const RawVolume& raw, Visit visit)
              });
 }
 
+bool IsReal(double value) { return std::abs(value) <= kLargestReal; } // not for NaN either
+
 bool IsWhole(double value)
 {
     return std::abs(value) < 1e9 ? double(int32_t(value)) == value : value == std::floor(value);
@@ -93,7 +97,7 @@ Survey SurveyOf(const RawVolume& raw)
     ForEachSample(raw,
                   [&](size_t, auto sample, double real)
                   {
-                      if (!std::isfinite(real))
+                      if (!IsReal(real))
                       {
                           ++survey.notFinite;
                           return;
@@ -120,7 +124,7 @@ Mapping ScaleToStored(const Survey& survey)
     Mapping mapping;
     mapping.offset = reachesZero ? 0 : survey.minimum;
     const double largest = std::max(survey.maximum - mapping.offset, mapping.offset - survey.minimum);
-    mapping.step = largest > 0 ? largest / kMaxStored : 1;
+    mapping.step = largest > 0 ? std::max(largest / kMaxStored, kSmallestStep) : 1;
     return mapping;
 }
 
@@ -204,10 +208,10 @@ Volume StoredVolume(RawVolume&& raw)
                   [&](size_t index, auto sample, double real)
                   {
                       if (mapping.keepsSamples)
-                          stored[index] = int16_t(sample);
+                          stored[index] = int16_t(sample); // NOLINT(bugprone-signed-char-misuse): signed on purpose
                       else
-                          stored[index] = RoundToStored(
-                              ((std::isfinite(real) ? real : survey.minimum) - mapping.offset) / mapping.step);
+                          stored[index] =
+                              RoundToStored(((IsReal(real) ? real : survey.minimum) - mapping.offset) / mapping.step);
                   });
     if (volume.voxels.empty())
         volume.voxels = std::move(raw.memory);

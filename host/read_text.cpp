@@ -26,6 +26,15 @@ std::string Trimmed(std::string_view text)
     return std::string(text.substr(first, text.find_last_not_of(kBlank) - first + 1));
 }
 
+std::string OneLine(std::string text)
+{
+    constexpr size_t kLongest = 2000, kStart = 1500, kEnd = 400;
+    for (char& c : text)
+        if (static_cast<unsigned char>(c) < ' ' || c == 127)
+            c = ' ';
+    return text.size() <= kLongest ? text : text.substr(0, kStart) + " ... " + text.substr(text.size() - kEnd);
+}
+
 std::optional<double> ParseNumber(std::string_view text)
 {
     const std::string trimmed = Trimmed(text);

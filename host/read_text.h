@@ -19,6 +19,10 @@ std::string PointText(Vec3 point);
 // The text without blanks, line ends and zero bytes around it.
 std::string Trimmed(std::string_view text);
 
+// Text of a file as it can be shown: control characters, line ends among them, become blanks, and of more than 2,000
+// bytes the middle is left out.
+std::string OneLine(std::string text);
+
 // The number that the whole text spells (blanks around it allowed), or nothing. Infinities and NaN are no numbers here.
 std::optional<double> ParseNumber(std::string_view text);
 

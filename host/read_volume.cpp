@@ -9,6 +9,7 @@
 #include "read_nifti.h"
 #include "read_nrrd.h"
 #include "read_text.h"
+#include "text_file.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -69,10 +70,12 @@ RawVolume ReadFile(const std::string& input)
                                                       "NRRD (.nrrd, .nhdr) and MetaImage (.mha, .mhd) are read");
 }
 
-RawVolume ReadRaw(const std::string& input, const std::string& series)
+RawVolume ReadFileOrFolder(const std::string& input, const std::string& series)
 {
     std::error_code error;
     const fs::file_status status = fs::status(input, error);
+    if (error == std::errc::permission_denied)
+        throw Error(ErrorKind::Input, input + ": cannot be read (" + error.message() + ")");
     if (!fs::exists(status))
         throw Error(ErrorKind::Input, input + ": no such file or folder");
     try
@@ -81,6 +84,7 @@ RawVolume ReadRaw(const std::string& input, const std::string& series)
             return ReadDicomFolder(input, series);
         if (!series.empty())
             throw Error(ErrorKind::Usage, input + ": a series can be chosen from a folder only");
+        RefuseUnlessFile(input);
         return ReadFile(input);
     }
     catch (const std::bad_alloc&)
@@ -91,6 +95,17 @@ RawVolume ReadRaw(const std::string& input, const std::string& series)
     {
         throw Error(ErrorKind::Input, input + ": " + failure.code().message());
     }
+}
+
+// What a file says of itself is shown in lines.
+RawVolume ReadRaw(const std::string& input, const std::string& series)
+{
+    RawVolume raw = ReadFileOrFolder(input, series);
+    raw.modality = OneLine(raw.modality);
+    raw.description = OneLine(raw.description);
+    for (std::string& warning : raw.warnings)
+        warning = OneLine(warning);
+    return raw;
 }
 
 // What differs between two grids, with the numbers; empty when nothing does.

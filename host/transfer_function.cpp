@@ -54,13 +54,16 @@ uint32_t ColourAt(const TransferFunction& function, double value)
            byte(Between(before.blue, after.blue, share));
 }
 
-// The same function over stored values.
+// The same function over stored values. Beyond every stored value it does not matter how far away a point is, but it
+// must be finite.
 TransferFunction OverStoredValues(TransferFunction function, double slope, double intercept)
 {
+    constexpr double kFarthest = 1e15;
+    const auto stored = [&](double value) { return std::clamp((value - intercept) / slope, -kFarthest, kFarthest); };
     for (TransferFunction::OpacityPoint& point : function.opacities)
-        point.value = (point.value - intercept) / slope;
+        point.value = stored(point.value);
     for (TransferFunction::ColourPoint& point : function.colours)
-        point.value = (point.value - intercept) / slope;
+        point.value = stored(point.value);
     if (slope < 0)
     {
         std::reverse(function.opacities.begin(), function.opacities.end());
@@ -82,7 +85,7 @@ std::set<int> Knots(const TransferFunction& stored, int first, int last)
     {
         if (!(value > first - 2.0 && value < last + 2.0))
             return;
-        for (double whole = std::ceil(value) - 1; whole <= std::floor(value) + 1; ++whole)
+        for (int whole = int(std::ceil(value)) - 1; whole <= int(std::floor(value)) + 1; ++whole)
             add(whole);
     };
     for (const TransferFunction::ColourPoint& point : stored.colours)

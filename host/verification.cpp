@@ -2,6 +2,7 @@
 
 #include "corvane/Corvane.h"
 #include "error.h"
+#include "picture_hash.h"
 #include "verification_scene.h"
 
 #include <algorithm>
@@ -12,40 +13,6 @@ namespace corvane::host
 namespace
 {
 constexpr int kWidth = 120, kHeight = 150; // rows and columns of most pictures: not square
-
-class Hash
-{
-public:
-    template <class Value>
-    void Add(const Value* values, size_t count)
-    {
-        // The bytes of every number from the lowest to the highest, whatever the machine's order.
-        for (size_t n = 0; n < count; ++n)
-        {
-            uint64_t bits = 0;
-            static_assert(sizeof(Value) <= sizeof bits);
-            std::memcpy(&bits, values + n, sizeof(Value));
-            for (size_t byte = 0; byte < sizeof(Value); ++byte)
-                hash_ = (hash_ ^ (bits >> (8 * byte) & 255)) * 0x100000001b3u;
-        }
-    }
-
-    void Add(const PnImageParam& param)
-    {
-        Add(&param.rows, 1);
-        Add(&param.columns, 1);
-        Add(&param.rowSpacing, 1);
-        Add(&param.columnSpacing, 1);
-        Add(param.rowDirection, 3);
-        Add(param.columnDirection, 3);
-        Add(param.position, 3);
-    }
-
-    uint64_t Value() const { return hash_; }
-
-private:
-    uint64_t hash_ = 0xcbf29ce484222325u;
-};
 
 // Makes pictures of one scene and passes their hashes on.
 class Album
@@ -209,7 +176,7 @@ void AddCut(Album& album, Engine3D& engine, VerificationScene& scene)
     std::vector<uint8_t> drawn(size_t(kWidth) * kHeight);
     for (int row = 0; row < kWidth; ++row)
         for (int column = 0; column < kHeight; ++column)
-            drawn[size_t(row * kHeight + column)] = row > 30 && column > 60 && row + column < 170;
+            drawn[size_t(row) * kHeight + size_t(column)] = row > 30 && column > 60 && row + column < 170;
     region.labels = drawn.data();
     album.Add("selection of a cut", engine.CutFill(region, scene.Selection(), 1), scene.SelectedVoxels());
     if (!engine.CutAppend(scene.Selection()))
@@ -267,8 +234,8 @@ void AddEngine3D(Album& album, VerificationScene& scene)
     PnImageParam slab = plane; // moved into the middle of the volume
     for (int axis = 0; axis < 3; ++axis)
         slab.position[axis] = (double(low[axis]) + double(high[axis])) / 2 -
-                              plane.rowDirection[axis] * plane.columnSpacing * (kHeight / 2) -
-                              plane.columnDirection[axis] * plane.rowSpacing * (kWidth / 2);
+                              plane.rowDirection[axis] * plane.columnSpacing * (kHeight / 2.0) -
+                              plane.columnDirection[axis] * plane.rowSpacing * (kWidth / 2.0);
     AddProjections(album, engine, slab);
     for (int axis = 0; axis < 3; ++axis)
         high[axis] = (low[axis] + 3 * high[axis]) / 4;

@@ -69,7 +69,7 @@ void VerificationScene::FillTables()
             for (int channel = 0; channel < 3; ++channel)
                 colours[3 * n + channel] = table.colour[channel];
         }
-        colours += 3 * table.size;
+        colours += 3 * size_t(table.size);
         opacities += table.size;
     }
     tables_.sumStart = kSumStart;

@@ -1,17 +1,19 @@
 #include "view_path.h"
 
 #include <algorithm>
-#include <fstream>
+#include <sstream>
 
 #include "error.h"
 #include "phantom_shapes.h"
 #include "read_text.h"
+#include "text_file.h"
 
 namespace corvane::host
 {
 namespace
 {
 constexpr double kFine = 0.25;     // mm between the points by which a path is measured
+constexpr double kLongest = 1e5;   // mm; a longer path is no path in a patient, and would take memory without end
 constexpr double kShortest = 0.01; // mm; points that are nearer to each other count as one
 
 // A chain of points and how far along it each lies.
@@ -41,6 +43,12 @@ MeasuredPath Measured(const std::vector<Vec3>& points)
             corners.push_back({point, 0});
     if (corners.size() < 2)
         throw Error(ErrorKind::Usage, "a path needs two different points at least");
+    double length = 0;
+    for (size_t n = 1; n < corners.size(); ++n)
+        length += Length(corners[n].position - corners[n - 1].position);
+    if (!(length <= kLongest))
+        throw Error(ErrorKind::Usage, "a path of " + Number(length) + " mm is longer than the " + Number(kLongest) +
+                                          " mm that are allowed; its points are in mm");
     MeasuredPath path;
     for (const TubePoint& point : SmoothCurve(corners, kFine))
     {
@@ -92,9 +100,7 @@ std::vector<InsideView> FlyThrough(const std::vector<Vec3>& points, int count, V
 
 std::vector<Vec3> ReadPoints(const std::string& path)
 {
-    std::ifstream file(path);
-    if (!file)
-        throw Error(ErrorKind::Input, path + ": cannot be read");
+    std::istringstream file(TextOfFile(path, "a file with a point per line, X Y Z in mm"));
     std::vector<Vec3> points;
     std::string line;
     for (int number = 1; std::getline(file, line); ++number)

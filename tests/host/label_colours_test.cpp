@@ -67,6 +67,13 @@ TEST(LabelColours, AreReadFromLabelDescriptions)
     EXPECT_EQ(colours[3].opacity, 0);
 }
 
+TEST(LabelColours, NamesAreOneLineOfText)
+{
+    const ScratchFolder folder;
+    WriteBytes(folder / "labels.txt", "1 255 0 30 1 1 1 \"Left\x1b[2J\tlung\"\n");
+    EXPECT_EQ(ReadLabelColours(folder / "labels.txt")[1].name, "Left [2J lung");
+}
+
 TEST(LabelColours, RefusalsNameTheLine)
 {
     EXPECT_TRUE(Contains(RefusalOf("# fine\n1 liver 10 20 30 255\n2 spleen 10 20 300 255\n"), "line 3: blue"));
@@ -77,7 +84,7 @@ TEST(LabelColours, RefusalsNameTheLine)
     EXPECT_TRUE(Contains(RefusalOf("# only a comment\n"), "names no label"));
     EXPECT_TRUE(Contains(ErrorOf([] { ReadLabelColours("absent.ctbl"); }), "absent.ctbl: cannot be read"));
     EXPECT_TRUE(Contains(RefusalOf(std::string("\x89PNG\r\n\x1a\n\0\0\0", 11)), "line 1"));
-    EXPECT_TRUE(Contains(ErrorOf([] { ReadLabelColours("/"); }), "names no label"));
+    EXPECT_TRUE(Contains(ErrorOf([] { ReadLabelColours("/"); }), "/: cannot be read, it is a folder"));
 }
 } // namespace
 } // namespace corvane::host

@@ -54,6 +54,17 @@ TEST(OutputFile, LeavesNothingAndKeepsTheOldFileWhenWritingFails)
     EXPECT_EQ(FilesIn(folder), 1u);
 }
 
+TEST(OutputFile, IsNotHinderedByWhatAKilledRunLeft)
+{
+    const ScratchFolder folder;
+    const std::string left = folder / "file." + std::to_string(getpid()) + ".part";
+    WriteBytes(left, "half");
+    WriteOutput(folder / "file", "new", false);
+    EXPECT_EQ(ReadBytes(folder / "file"), "new");
+    EXPECT_EQ(ReadBytes(left), "half");
+    EXPECT_EQ(FilesIn(folder), 2u);
+}
+
 TEST(OutputFile, ReportsAFullDevice)
 {
     EXPECT_TRUE(
@@ -71,9 +82,14 @@ TEST(OutputFile, NamesWhatIsInTheWay)
     EXPECT_TRUE(Contains(refusal(""), "empty"));
     fs::create_symlink("nowhere", folder / "dangling");
     EXPECT_TRUE(Contains(refusal(folder / "dangling"), "exists already"));
+    fs::create_symlink("loop", folder / "loop");
+    EXPECT_TRUE(Contains(refusal(folder / "loop"), "exists already"));
+    EXPECT_TRUE(Contains(refusal(folder / "loop/file"), "its folder does not exist"));
+    const std::string longName(300, 'x');
+    EXPECT_TRUE(Contains(ErrorOf([&] { WriteOutput(folder / longName, "", false); }, ErrorKind::Output), "too long"));
     EXPECT_EQ(refusal(folder / "new"), "no error");
     EXPECT_EQ(refusal("-"), "no error");
-    EXPECT_EQ(FilesIn(folder), 1u);
+    EXPECT_EQ(FilesIn(folder), 2u);
 }
 } // namespace
 } // namespace corvane::host

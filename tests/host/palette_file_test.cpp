@@ -202,6 +202,16 @@ TEST(PaletteFile, ReadsTheExampleOfItsDescription)
     EXPECT_EQ(function.diffuse, 0.816);
 }
 
+TEST(PaletteFile, RefusesNumbersBeyondTheirRange)
+{
+    EXPECT_TRUE(Contains(Refusal(With(kOwn, "200", "1e999")), "holds a number that is too large"));
+}
+
+TEST(PaletteFile, NamesThePaletteInOneLine)
+{
+    EXPECT_EQ(Read(With(kOwn, "liver", "a\\nliver\\u001b[2J")).name, "a liver [2J");
+}
+
 TEST(PaletteFile, RefusesOtherFiles)
 {
     EXPECT_TRUE(Contains(Refusal(""), "neither a palette in JSON nor presets in XML"));

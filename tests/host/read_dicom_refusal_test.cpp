@@ -251,12 +251,65 @@ TEST(RefuseDicom, CompressedPicturesOfAnotherSize)
     }
 }
 
+// Of a series that is decoded together, the message names the one file that is damaged.
+TEST(RefuseDicom, DamagedCompressedPicturesByName)
+{
+    const ScratchFolder folder;
+    DicomSeriesOptions options;
+    options.transferSyntax = gdcm::TransferSyntax::JPEGLSLossless;
+    Grid grid = AxialGrid(5);
+    grid.sizeX = 33;
+    grid.sizeY = 20;
+    WriteDicomSeries(folder.Path(), grid, TestValue, options);
+    const std::string path = std::filesystem::directory_iterator(folder.Path())->path().string();
+    std::string bytes = ReadBytes(path);
+    const size_t scan = bytes.find("\xff\xda");
+    ASSERT_NE(scan, std::string::npos);
+    std::fill(bytes.begin() + long(scan) + 10, bytes.end() - 12, '\x7f'); // behind the head of the scan
+    WriteBytes(path, bytes);
+    EXPECT_TRUE(Contains(ErrorOf([&] { ReadVolume(folder.Path()); }),
+                         std::filesystem::path(path).filename().string() + ": the compressed pixels are damaged"));
+}
+
 TEST(RefuseDicom, FoldersWithoutImages)
 {
     const ScratchFolder folder;
     EXPECT_TRUE(Contains(ErrorOf([&] { ReadVolume(folder.Path()); }), "holds no DICOM images"));
     EXPECT_TRUE(Contains(ErrorOf([&] { ReadVolume(folder / "none"); }), "no such file or folder"));
     EXPECT_TRUE(Contains(ErrorOf([&] { ListSeries(folder / "none"); }), "cannot be read"));
+}
+
+TEST(RefuseDicom, PlacesFarFromEveryPatient)
+{
+    EXPECT_TRUE(Contains(RefusalOfText(4, kPosition, VR::DS, "1e300\\0\\0"), "(1e+300, 0, 0), which is no patient"));
+    EXPECT_TRUE(Contains(RefusalOfText(4, kPosition, VR::DS, "0\\0\\-2e9"), "which is no patient"));
+    EXPECT_TRUE(Contains(RefusalOfText(0, kOrientation, VR::DS, "1\\0\\0\\1\\0\\0"), "the same direction for rows"));
+}
+
+// A file of a few hundred bytes must not take memory for what it only promises.
+TEST(RefuseDicom, MorePixelsThanTheFileHolds)
+{
+    const ScratchFolder folder;
+    DicomSeriesOptions options;
+    options.edit = [](int, gdcm::DataSet& data) { SetText(data, Tag(0x0028, 0x0008), VR::IS, "1000000"); };
+    WriteDicomFrames(folder / "frames.dcm", AxialGrid(2), TestValue, options);
+    EXPECT_TRUE(Contains(ErrorOf([&] { ReadVolume(folder / "frames.dcm"); }),
+                         "frames.dcm: the header says 1e+06 frames, but only 120 bytes of pixels are there"));
+
+    options = {};
+    options.transferSyntax = gdcm::TransferSyntax::RLELossless;
+    WriteDicomSeries(folder / "runs", AxialGrid(1), TestValue, options);
+    const std::string path = std::filesystem::directory_iterator(folder / "runs")->path().string();
+    std::string bytes = ReadBytes(path);
+    for (const char* head : {"\x28\0\x10\0US\2\0", "\x28\0\x11\0US\2\0"}) // rows and columns
+    {
+        const size_t element = bytes.find(std::string(head, 8));
+        ASSERT_NE(element, std::string::npos);
+        bytes.replace(element + 8, 2, BytesOf(uint16_t(40000)));
+    }
+    WriteBytes(path, bytes);
+    EXPECT_TRUE(
+        Contains(ErrorOf([&] { ReadVolume(path); }), "the header asks for 3200000000 bytes of pixels, but only"));
 }
 } // namespace
 } // namespace corvane::host

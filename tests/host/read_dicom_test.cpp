@@ -263,6 +263,13 @@ TEST(ReadDicom, WarnsOfInvertedAndOfLossyImages)
     EXPECT_TRUE(HasWarning(volume, "compressed with loss"));
 }
 
+TEST(ReadDicom, ShowsTextsInOneLine)
+{
+    DicomSeriesOptions options;
+    options.description = "a stack\nof\x1b[2J slices";
+    EXPECT_EQ(RoundTrip(ObliqueGrid(6, 5, 4, 0), options).description, "a stack of [2J slices");
+}
+
 TEST(ReadDicom, TakesDirectionsRoundedToThreeDecimalsAsUnitVectors)
 {
     DicomSeriesOptions options;

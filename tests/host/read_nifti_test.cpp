@@ -211,6 +211,8 @@ TEST(ReadNifti, RefusesGeometryThatIsNoGeometry)
     file.version = 2;
     file.sform = {{{1e300, 0, 0, 0}, {0, 1, 0, 0}, {0, 0, 1, 0}}};
     EXPECT_TRUE(Contains(ErrorOf([&] { Read(file.Bytes()); }), "which is no patient"));
+    file.sform = {{{0.0001, 0, 0, 0}, {0, 1, 0, 0}, {0, 0, 1.001, 0}}};
+    EXPECT_TRUE(Contains(ErrorOf([&] { Read(file.Bytes()); }), "from 0.0001 to 1.001 mm"));
     file.sform = {{{1, 0, 0, 1e12}, {0, 1, 0, 0}, {0, 0, 1, 0}}};
     EXPECT_TRUE(Contains(ErrorOf([&] { Read(file.Bytes()); }), "first voxel at (-1e+12, 0, 0), which is no patient"));
     (*file.sform)[0][0] = std::numeric_limits<double>::quiet_NaN();

@@ -3,6 +3,7 @@
 #include "read_testing.h"
 
 #include <sstream>
+#include <sys/stat.h>
 
 namespace corvane::host
 {
@@ -168,6 +169,24 @@ TEST(ReadNrrd, RefusesNumberedDataFiles)
     const Grid grid = ObliqueGrid(7, 5, 4, 0);
     EXPECT_TRUE(Contains(ErrorOf([&] { Read(Header(grid, "") + "data file: s%03d.raw 1 4 1\n"); }), "numbered files"));
     EXPECT_TRUE(Contains(ErrorOf([&] { Read(Header(grid, "") + "data file: %s%n%d.raw 1 4 1\n"); }), "numbered files"));
+    for (const char* line :
+         {"Data File: %d%s%s%n 1 4 1\n", "DATAFILE:%s%n%d 1 4 1\n", "# a note\rdata file: %s%d%s 1 4 1\n"})
+        EXPECT_TRUE(Contains(ErrorOf([&] { Read(Header(grid, "") + line); }), "numbered files")) << line;
+}
+
+TEST(ReadNrrd, DoesNotWaitForAPipe)
+{
+    const ScratchFolder folder;
+    const Grid grid = ObliqueGrid(7, 5, 4, 0);
+    ASSERT_EQ(mkfifo((folder / "pipe").c_str(), 0600), 0);
+    for (const char* names : {"data file: pipe\n", "data file: /dev/zero\n", "Data File:  pipe\n",
+                              "datafile: LIST\npipe\n", "datafile: LIST 2\n pipe\n", "data file: SKIPLIST\n0 pipe\n"})
+    {
+        WriteBytes(folder / "a.nhdr", Header(grid, "") + names);
+        EXPECT_TRUE(
+            Contains(ErrorOf([&] { ReadVolume(folder / "a.nhdr"); }), "cannot be read, it is a pipe or a device"))
+            << names;
+    }
 }
 
 TEST(ReadNrrd, RefusesWhatIsNoVolume)
@@ -176,6 +195,13 @@ TEST(ReadNrrd, RefusesWhatIsNoVolume)
         ErrorOf(
             [] { Read("NRRD0004\ntype: short\ndimension: 2\nsizes: 2 2\nencoding: raw\nendian: little\n\n12345678"); }),
         "holds no volume"));
+    EXPECT_TRUE(Contains(ErrorOf(
+                             []
+                             {
+                                 Read("NRRD0004\ntype: block\nblock size: 100000000\ndimension: 3\nsizes: 4 3 2\n"
+                                      "endian: little\nencoding: raw\n\n12345");
+                             }),
+                         "blocks of bytes are no voxels"));
     EXPECT_TRUE(Contains(ErrorOf([] { Read("NRRD0004\ntype: nonsense\n\n"); }), "cannot be read as NRRD"));
 }
 } // namespace

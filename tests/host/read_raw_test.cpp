@@ -143,6 +143,20 @@ TEST(StoredValues, SurvivesTheLargestNumbers)
     EXPECT_EQ(volume.voxels, (std::vector<int16_t>{-32767, 0, 32767}));
 }
 
+TEST(StoredValues, TakesNumbersAtTheEndOfTheirRangeAsNotFinite)
+{
+    const Volume volume = StoredVolume(Raw<double>(SampleType::Float64, {-1.7e308, 0, 1, 1.7e308}));
+    EXPECT_EQ(volume.voxels, (std::vector<int16_t>{0, 0, 1, 0}));
+    EXPECT_TRUE(HasWarning(volume, "2 voxels that are not finite numbers taken as 0"));
+}
+
+TEST(StoredValues, SurvivesTheSmallestNumbers)
+{
+    const Volume volume = StoredVolume(Raw<double>(SampleType::Float64, {0, 5e-324, 1e-320}));
+    EXPECT_EQ(volume.voxels, (std::vector<int16_t>{0, 0, 0}));
+    EXPECT_GT(volume.valueSlope, 0);
+}
+
 TEST(Memory, IsRefusedToVoxelsThatNoMachineHolds)
 {
     EXPECT_EQ(ErrorOf([] { CheckMemoryHolds("big.nii.gz", 1 << 20); }), "no error");

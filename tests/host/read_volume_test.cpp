@@ -8,6 +8,7 @@
 
 #include <map>
 #include <random>
+#include <sys/stat.h>
 
 namespace corvane::host
 {
@@ -98,6 +99,25 @@ TEST(ReadLabels, RefusesAnotherGridAndSaysWhatDiffers)
     EXPECT_EQ(refusal(other), "no error");
 }
 
+TEST(ReadVolume, NeverWaitsForAPipe)
+{
+    const ScratchFolder folder;
+    ASSERT_EQ(mkfifo((folder / "pipe").c_str(), 0600), 0);
+    for (const std::string& path : {folder / "pipe", std::string("/dev/zero")})
+        EXPECT_TRUE(Contains(ErrorOf([&] { ReadVolume(path); }), path + ": cannot be read, it is a pipe or a device"));
+}
+
+TEST(ReadVolume, LeavesOutWhatIsNoFileInAFolder)
+{
+    const ScratchFolder folder;
+    WriteDicomSeries(folder.Path(), ObliqueGrid(8, 6, 5, 10), TestValue);
+    ASSERT_EQ(mkfifo((folder / "pipe").c_str(), 0600), 0);
+    std::filesystem::create_symlink("loop", folder / "loop");
+    std::filesystem::create_symlink("absent", folder / "dangling");
+    EXPECT_EQ(ReadVolume(folder.Path()).grid.sizeZ, 5);
+    EXPECT_EQ(ListSeries(folder.Path()).size(), 1u);
+}
+
 // Reads a file that may be damaged: a volume whose memory fits its grid, or an Error; anything else fails the test.
 void ReadDamaged(const std::string& path)
 {
@@ -160,11 +180,13 @@ TEST_P(ReadDamagedFiles, CutAnywhereGiveAnErrorOrAVolume)
     const std::string whole = WholeFile(folder), path = folder / "damaged";
     WriteBytes(path, whole);
     ASSERT_NO_THROW(ReadVolume(path));
+    testing::internal::CaptureStderr();
     for (size_t length = 0; length < whole.size(); length += 1 + whole.size() / 400)
     {
         WriteBytes(path, whole.substr(0, length));
         ReadDamaged(path);
     }
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), ""); // decoders keep what they have to say to themselves
 }
 
 TEST_P(ReadDamagedFiles, WithChangedBytesGiveAnErrorOrAVolume)
@@ -172,6 +194,7 @@ TEST_P(ReadDamagedFiles, WithChangedBytesGiveAnErrorOrAVolume)
     const ScratchFolder folder;
     const std::string whole = WholeFile(folder), path = folder / "damaged";
     std::mt19937 random(7);
+    testing::internal::CaptureStderr();
     for (int round = 0; round < 300; ++round)
     {
         std::string bytes = whole;
@@ -186,6 +209,7 @@ TEST_P(ReadDamagedFiles, WithChangedBytesGiveAnErrorOrAVolume)
         WriteBytes(path, bytes);
         ReadDamaged(path);
     }
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
 }
 
 INSTANTIATE_TEST_SUITE_P(Kinds, ReadDamagedFiles,

@@ -124,5 +124,15 @@ TEST(TransferFunction, WarnsOfPointsThatAreTooFaintToBeDrawn)
     ASSERT_EQ(palette.warnings.size(), 1u);
     EXPECT_TRUE(Contains(palette.warnings[0], "too faint at 1 of its 3 points"));
 }
+
+TEST(TransferFunction, StaysFiniteUnderTheSmallestSlope)
+{
+    TransferFunction function = Ramp(-1e12, 1e12);
+    function.opacities.insert(function.opacities.begin() + 1, {0, 0.5});
+    const Palette palette = PaletteOf(function, 1e-310, 0, 1);
+    ASSERT_GE(palette.points.size(), 2u);
+    for (const KsPalettePoint& point : palette.points)
+        EXPECT_NEAR(point.opacity, 0.5, 1e-6); // all stored values stand for next to nothing
+}
 } // namespace
 } // namespace corvane::host

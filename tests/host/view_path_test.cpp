@@ -56,6 +56,16 @@ TEST(ViewPath, NeedsTwoPoints)
     EXPECT_TRUE(Contains(ErrorOf([] { FlyThrough({{0, 0, 0}, {1, 1, 1}}, 1); }, ErrorKind::Usage), "two views"));
 }
 
+TEST(ViewPath, IsNoLongerThanAPatientCouldBe)
+{
+    const auto refusal = [](double x) {
+        return ErrorOf([&] { FlyThrough({{0, 0, 0}, {x, 0, 0}}, 2); }, ErrorKind::Usage);
+    };
+    EXPECT_EQ(refusal(5000), "no error");
+    EXPECT_TRUE(Contains(refusal(2e5), "a path of 200000 mm is longer than the 100000 mm"));
+    EXPECT_TRUE(Contains(refusal(1e300), "is longer than"));
+}
+
 TEST(ViewPath, ReadsPointsFromText)
 {
     const ScratchFolder folder;

@@ -2,7 +2,7 @@
 #include "corvane/EngineMPR.h"
 #include "corvane/Render3D.h"
 #include "corvane/RenderMPR.h"
-#include "image_hash.h"
+#include "host/picture_hash.h"
 #include "mpr/kernels/kernels.h"
 #include "patient.h"
 #include "render3d/kernels/kernels.h"
@@ -42,7 +42,7 @@ template <class Pixel>
 Outcome OutcomeOf(bool drawn, const PnImageParam& param, const Pixel* pixels)
 {
     const std::set<Pixel> shades(pixels, pixels + size_t(param.rows) * param.columns);
-    return {drawn, HashOf(param, pixels), shades.size()};
+    return {drawn, host::HashOf(param, pixels), shades.size()};
 }
 
 // Made once: nothing changes them.
