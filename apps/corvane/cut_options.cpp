@@ -71,14 +71,7 @@ void AddWhatIsCut(CLI::App& cut, CutOptions& options)
 void AddPictureOptions(CLI::App& cut, CutOptions& options)
 {
     const char* group = "The picture, as for corvane vr";
-    cut.add_option("--view", options.view,
-                   "where the eye stands: anterior or coronal (default), posterior, left or sagittal, right, superior, "
-                   "inferior or axial")
-        ->group(group);
-    cut.add_option("--azimuth", options.azimuth, "DEGREES by which the eye moves to its right")->group(group);
-    cut.add_option("--elevation", options.elevation, "DEGREES by which it moves upwards")->group(group);
-    cut.add_option("--roll", options.roll, "DEGREES by which the picture turns clockwise")->group(group);
-    cut.add_option("--zoom", options.zoom, "F times as large; with 1 (default) everything fits")->group(group);
+    AddViewOptions(cut, options, group);
     cut.add_option("--size", options.size, "COLUMNSxROWS of the picture in pixels, or N for N x N (default 512)")
         ->group(group);
     cut.add_flag("--letters", options.letters, "add orientation letters and a scale bar to the previews")->group(group);

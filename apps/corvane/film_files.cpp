@@ -4,7 +4,6 @@
 #include <filesystem>
 
 #include "host/error.h"
-#include "host/output_file.h"
 #include "host/write_png.h"
 
 namespace corvane::app
@@ -37,11 +36,12 @@ void CheckName(const std::string& output, int count)
         throw Error(ErrorKind::Usage, "standard output takes one picture, not " + std::to_string(count));
 }
 
-// A name for every picture, and the folder to be made for them.
-std::vector<std::string> NamesOf(const std::string& output, const std::string& stem, int count, std::string& newFolder)
+// A name for every picture, and the folder to be made for them; nothing when no picture is wanted.
+OutputNames NamesOf(const std::string& output, const std::string& stem, int count)
 {
+    OutputNames names;
     if (output.empty())
-        return {};
+        return names;
     std::error_code ignored;
     const bool isFolder = fs::is_directory(output, ignored) || output.back() == '/';
     if (!isFolder)
@@ -54,55 +54,36 @@ std::vector<std::string> NamesOf(const std::string& output, const std::string& s
                                               " pictures need more than one name; give a folder, or put {index} into "
                                               "--output");
         if (!fs::is_directory(output, ignored))
-            newFolder = output;
+            names.newFolder = output;
         pattern = (fs::path(output) / (stem + (count > 1 ? "_{index}" : "") + ".png")).string();
     }
-    std::vector<std::string> names;
     for (int n = 1; n <= count; ++n)
     {
-        names.push_back(pattern);
-        for (size_t at = 0; (at = names.back().find(kField, at)) != std::string::npos;)
-            names.back().replace(at, sizeof kField - 1, IndexText(n, count));
+        names.files.push_back(pattern);
+        for (size_t at = 0; (at = names.files.back().find(kField, at)) != std::string::npos;)
+            names.files.back().replace(at, sizeof kField - 1, IndexText(n, count));
     }
     return names;
 }
 } // namespace
 
-FilmFiles::FilmFiles(const RenderingOptions& options, const std::string& stem, int count) : force_(options.force)
+FilmFiles::FilmFiles(const RenderingOptions& options, const std::string& stem, int count)
+    : pictures_(NamesOf(options.output, stem, count), options.force), count_(options.output.empty() ? 0 : count)
 {
-    std::string folder;
-    names_ = NamesOf(options.output, stem, count, folder);
     if (!options.video.empty())
         video_ = std::make_unique<Video>(
             options.video, CountOf(options.framesPerSecond, "--fps takes a number of pictures", 1, 120), options.force);
-    std::error_code problem;
-    if (!folder.empty())
-    {
-        if (!fs::create_directory(folder, problem) && problem)
-            throw Error(ErrorKind::Output, folder + ": the folder cannot be made: " + problem.message());
-        newFolder_ = folder;
-        return;
-    }
-    for (const std::string& name : names_)
-        host::CheckOutput(name, force_);
-}
-
-FilmFiles::~FilmFiles()
-{
-    std::error_code ignored;
-    if (!newFolder_.empty())
-        fs::remove(newFolder_, ignored); // only while it is empty
 }
 
 std::string FilmFiles::Add(const host::Picture& picture)
 {
     if (video_)
         video_->Add(picture);
-    if (names_.empty())
+    if (next_ == count_)
         return {};
-    const std::string& name = names_[next_++];
-    host::WriteOutput(name, host::PngOf(picture), force_);
-    return name;
+    const size_t number = size_t(next_++);
+    pictures_.Write(number, host::PngOf(picture));
+    return pictures_.Name(number);
 }
 
 void FilmFiles::Finish()

@@ -8,6 +8,7 @@
 #include "film_options.h"
 #include "film_video.h"
 #include "host/picture.h"
+#include "picture_files.h"
 
 namespace corvane::app
 {
@@ -20,9 +21,6 @@ public:
     //   count  of pictures
     // Throws Error (Usage, Output).
     FilmFiles(const RenderingOptions& options, const std::string& stem, int count);
-    ~FilmFiles();
-    FilmFiles(const FilmFiles&) = delete;
-    FilmFiles& operator=(const FilmFiles&) = delete;
 
     // Takes the next picture. Returns its file; an empty text when there is only a film.
     std::string Add(const host::Picture& picture);
@@ -31,10 +29,8 @@ public:
     void Finish();
 
 private:
-    std::vector<std::string> names_;
-    std::string newFolder_;
-    size_t next_ = 0;
-    bool force_;
+    PictureFiles pictures_;
+    int count_, next_ = 0; // of files; none when there is only a film
     std::unique_ptr<Video> video_;
 };
 } // namespace corvane::app

@@ -4,8 +4,6 @@
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <vector>
 
 #include <fcntl.h>
@@ -16,8 +14,9 @@
 #include "host/error.h"
 #include "host/numbers.h"
 #include "host/output_file.h"
+#include "unnamed_file.h"
 
-extern char** environ;
+extern char** environ; // NOLINT(readability-redundant-declaration): POSIX leaves it to the program
 
 namespace corvane::app
 {
@@ -26,6 +25,8 @@ namespace
 namespace fs = std::filesystem;
 using host::Error;
 using host::ErrorKind;
+
+constexpr int kFilmDescriptor = 9; // of the film in ffmpeg; given last, so nothing that is still needed is lost there
 
 bool CanRun(const std::string& program)
 {
@@ -45,36 +46,8 @@ std::vector<std::string> CodecOf(const std::string& ending)
     return {};
 }
 
-std::string TextOf(const fs::path& path)
-{
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
-
-// A folder of its own for the time being.
-class ScratchFolder
-{
-public:
-    ScratchFolder()
-    {
-        std::string name = (fs::temp_directory_path() / "corvane-XXXXXX").string();
-        if (!mkdtemp(name.data()))
-            throw Error(ErrorKind::Output, name + ": the folder cannot be made; set TMPDIR to one that can be written");
-        path_ = name;
-    }
-    ~ScratchFolder()
-    {
-        std::error_code ignored;
-        fs::remove_all(path_, ignored);
-    }
-    ScratchFolder(const ScratchFolder&) = delete;
-    ScratchFolder& operator=(const ScratchFolder&) = delete;
-
-    fs::path operator/(const std::string& name) const { return path_ / name; }
-
-private:
-    fs::path path_;
-};
+// The kind of film that an ending stands for, as ffmpeg calls it.
+std::string FormatOf(const std::string& ending) { return ending == ".mkv" ? "matroska" : ending.substr(1); }
 } // namespace
 
 // ffmpeg at work: raw pictures go in through a pipe.
@@ -82,7 +55,7 @@ class Video::Encoder
 {
 public:
     Encoder(const std::string& ending, int framesPerSecond, const host::Picture& first)
-        : ending_(ending), rows_(first.rows), columns_(first.columns)
+        : rows_(first.rows), columns_(first.columns)
     {
         std::vector<std::string> words = {"ffmpeg",    "-nostdin",
                                           "-loglevel", "error",
@@ -96,7 +69,7 @@ public:
         // Films halve the colours' resolution, which takes even sides.
         for (const char* word : {"-pix_fmt", "yuv420p", "-vf", "pad=ceil(iw/2)*2:ceil(ih/2)*2"})
             words.push_back(word);
-        words.push_back((scratch_ / ("film" + ending)).string());
+        words.insert(words.end(), {"-f", FormatOf(ending), "-y", "/dev/fd/" + std::to_string(kFilmDescriptor)});
         Start(words);
     }
     ~Encoder()
@@ -133,7 +106,7 @@ public:
         int status = 0;
         const bool waited = waitpid(process_, &status, 0) == process_;
         process_ = -1;
-        std::string film = TextOf(scratch_ / ("film" + ending_));
+        std::string film = film_.Bytes();
         if (!waited || !WIFEXITED(status) || WEXITSTATUS(status) != 0 || film.empty())
             GiveUp();
         return film;
@@ -143,6 +116,7 @@ private:
     void Start(const std::vector<std::string>& words)
     {
         std::vector<char*> arguments;
+        arguments.reserve(words.size() + 1);
         for (const std::string& word : words)
             arguments.push_back(const_cast<char*>(word.c_str()));
         arguments.push_back(nullptr);
@@ -154,9 +128,8 @@ private:
         posix_spawn_file_actions_init(&actions);
         posix_spawn_file_actions_adddup2(&actions, ends[0], STDIN_FILENO);
         posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
-        posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, (scratch_ / "messages").c_str(), O_WRONLY | O_CREAT,
-                                         0600);
-        std::signal(SIGPIPE, SIG_IGN); // an ffmpeg that has ended shows as an error of write
+        posix_spawn_file_actions_adddup2(&actions, messages_.Descriptor(), STDERR_FILENO);
+        posix_spawn_file_actions_adddup2(&actions, film_.Descriptor(), kFilmDescriptor);
         const int problem = posix_spawnp(&process_, "ffmpeg", &actions, nullptr, arguments.data(), environ);
         posix_spawn_file_actions_destroy(&actions);
         close(ends[0]);
@@ -181,13 +154,12 @@ private:
         if (process_ > 0)
             waitpid(process_, nullptr, 0);
         process_ = -1;
-        const std::string messages = TextOf(scratch_ / "messages");
+        const std::string messages = messages_.Bytes();
         const std::string first = messages.substr(0, messages.find('\n'));
         throw Error(ErrorKind::Output, "ffmpeg has made no film" + (first.empty() ? "" : ": " + first));
     }
 
-    ScratchFolder scratch_;
-    std::string ending_;
+    UnnamedFile film_, messages_; // of ffmpeg, which may need to go back in the film
     int rows_, columns_;
     int pipe_ = -1;
     pid_t process_ = -1;

@@ -8,6 +8,7 @@
 #include "host/error.h"
 #include "info_command.h"
 #include "mpr_command.h"
+#include "process.h"
 #include "projection_command.h"
 #include "report.h"
 #include "ve_command.h"
@@ -65,6 +66,7 @@ int Run(int argumentCount, char** arguments)
 int main(int argumentCount, char** arguments)
 {
     using corvane::host::ErrorKind;
+    corvane::app::PrepareProcess();
     try
     {
         return Run(argumentCount, arguments);

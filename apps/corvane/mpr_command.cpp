@@ -23,7 +23,6 @@ namespace
 {
 using host::Error;
 using host::ErrorKind;
-using host::Vec3;
 
 // How values and labels become a picture.
 struct Appearance

@@ -47,7 +47,7 @@ std::string Filled(const std::string& pattern, const PlannedPicture& picture)
 // A folder that can be made: its parent stands, and nothing else is called so.
 std::string NewFolderOf(const std::string& output)
 {
-    const std::string folder = output.back() == '/' ? output.substr(0, output.size() - 1) : output;
+    std::string folder = output.back() == '/' ? output.substr(0, output.size() - 1) : output;
     const fs::path parent = fs::path(folder).parent_path();
     std::error_code ignored;
     if (fs::exists(folder, ignored))
@@ -63,7 +63,7 @@ std::string FormatOf(const std::string& format, const std::string& output)
     if (!format.empty() && format != "png" && format != "png16" && format != "nrrd")
         throw Error(ErrorKind::Usage, "--format is png, png16 or nrrd, not '" + format + "'");
     const std::string ending = fs::path(output).extension().string();
-    const std::string wanted = !format.empty() ? format : ending == ".nrrd" ? "nrrd" : "png";
+    std::string wanted = !format.empty() ? format : ending == ".nrrd" ? "nrrd" : "png";
     // A folder may be called anything; a file's ending must not lie.
     const bool isFile = (ending == ".png" || ending == ".nrrd" || ending == ".jpg" || ending == ".jpeg" ||
                          ending == ".nhdr" || ending == ".nii" || ending == ".dcm" || ending == ".tif");

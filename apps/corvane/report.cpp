@@ -6,27 +6,18 @@
 #include <unistd.h>
 
 #include "host/error.h"
+#include "host/read_text.h"
 
 namespace corvane::app
 {
-namespace
-{
-// Names of files and texts from files may hold anything; a message is one line.
-std::string OneLine(std::string text)
-{
-    for (char& c : text)
-        if (static_cast<unsigned char>(c) < ' ' || c == 127)
-            c = ' ';
-    return text;
-}
-} // namespace
-
 const char* const kExitCodes = "Exit codes:\n"
                                "  0  done\n"
                                "  2  the command line is wrong\n"
                                "  3  the input cannot be read, or cannot be shown truthfully\n"
                                "  4  the output cannot be written, or stands there already (see --force)\n"
-                               "  5  the computation was refused or ran out of memory\n";
+                               "  5  the computation was refused or ran out of memory\n"
+                               "An interrupted run ends by its signal (in a shell: 130 after Ctrl-C).\n"
+                               "Files are written whole or not at all, whatever happens.\n";
 
 void PrintResult(const std::string& text) { std::cout << text << '\n'; }
 
@@ -36,7 +27,7 @@ void PrintJson(const Json& json)
     std::cout << json.dump(2, ' ', false, Json::error_handler_t::replace) << '\n';
 }
 
-void PrintMessage(const std::string& text) { std::cerr << "corvane: " << OneLine(text) << '\n'; }
+void PrintMessage(const std::string& text) { std::cerr << "corvane: " << host::OneLine(text) << '\n'; }
 
 void PrintWarnings(const std::vector<std::string>& warnings)
 {

@@ -6,6 +6,7 @@
 #include "host/error.h"
 #include "host/quiet_output.h"
 #include "host/verification.h"
+#include "host/work_elsewhere.h"
 #include "report.h"
 
 namespace corvane::app
@@ -18,6 +19,7 @@ void RunVerify()
     int wrong;
     {
         const host::QuietOutput quiet;
+        const host::WorkElsewhere elsewhere;
         wrong = host::VerifyPictures([&](const std::string& line) { lines.push_back(line); });
     }
     for (const std::string& line : lines)

@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "host/error.h"
+#include "host/label_byte.h"
 #include "host/numbers.h"
 #include "host/turntable.h"
 
@@ -14,8 +15,6 @@ namespace
 using host::Error;
 using host::ErrorKind;
 using host::Vec3;
-
-constexpr uint8_t kCutAway = 64; // the label bit of voxels that are not shown
 
 struct Range
 {
@@ -82,7 +81,7 @@ Crop VoxelCrop(const VrOptions& options, host::Volume& volume)
             for (int i = 0; i < grid.sizeX; ++i, ++voxel)
                 if (i < ranges[0].low || i > ranges[0].high || j < ranges[1].low || j > ranges[1].high ||
                     k < ranges[2].low || k > ranges[2].high)
-                    volume.labels[voxel] |= kCutAway;
+                    volume.labels[voxel] |= host::kCutBit;
     const auto low = [&](size_t axis) { return std::max(ranges[axis].low, 0.0); };
     const auto high = [&](size_t axis) { return std::min(ranges[axis].high, sizes[axis] - 1.0); };
     Crop crop;
@@ -92,18 +91,25 @@ Crop VoxelCrop(const VrOptions& options, host::Volume& volume)
 }
 } // namespace
 
+void AddViewOptions(CLI::App& command, VrOptions& options, const std::string& group)
+{
+    command
+        .add_option(
+            "--view", options.view,
+            "where the eye stands: anterior or coronal (default), posterior, left or sagittal, right, superior, "
+            "inferior or axial")
+        ->group(group);
+    command.add_option("--azimuth", options.azimuth, "DEGREES by which the eye moves to its right")->group(group);
+    command.add_option("--elevation", options.elevation, "DEGREES by which it moves upwards")->group(group);
+    command.add_option("--roll", options.roll, "DEGREES by which the picture turns clockwise")->group(group);
+    command.add_option("--zoom", options.zoom, "F times as large; with 1 (default) everything fits")->group(group);
+}
+
 void AddVrOptions(CLI::App& vr, VrOptions& options)
 {
     AddRenderingOptions(vr, options);
     const char* view = "View";
-    vr.add_option("--view", options.view,
-                  "where the eye stands: anterior or coronal (default), posterior, left or sagittal, right, superior, "
-                  "inferior or axial")
-        ->group(view);
-    vr.add_option("--azimuth", options.azimuth, "DEGREES by which the eye moves to its right")->group(view);
-    vr.add_option("--elevation", options.elevation, "DEGREES by which it moves upwards")->group(view);
-    vr.add_option("--roll", options.roll, "DEGREES by which the picture turns clockwise")->group(view);
-    vr.add_option("--zoom", options.zoom, "F times as large; with 1 (default) everything fits")->group(view);
+    AddViewOptions(vr, options, view);
     vr.add_option("--turntable", options.turntable, "N pictures of a full turn of the eye round the patient")
         ->group(view);
     vr.add_flag("--letters", options.letters, "add orientation letters and a scale bar")->group(view);

@@ -19,6 +19,10 @@ struct VrOptions : RenderingOptions
 
 void AddVrOptions(CLI::App& vr, VrOptions& options);
 
+// Those among them that say where the eye stands, and how large things appear.
+//   group  under which the help lists them
+void AddViewOptions(CLI::App& command, VrOptions& options, const std::string& group);
+
 // What of the volume is shown.
 struct Crop
 {

@@ -387,8 +387,7 @@ TEST(Cut, ReplacesNothingUnasked)
     ExpectRefusal(Corvane(folder, Joined(common, {"-o", "a.nrrd", "--preview", "absent/p/"})), 4, "absent/p");
     const Outcome full =
         RunIn(folder, "/bin/sh",
-              {"-c", "trap '' XFSZ; ulimit -f 1; exec \"$0\" cut phantom: --polygon 9,9:99,9:9,99 -o full.nii",
-               CORVANE_PROGRAM});
+              {"-c", std::string(kOnAFullDisk) + "cut phantom: --polygon 9,9:99,9:9,99 -o full.nii", CORVANE_PROGRAM});
     ExpectRefusal(full, 4, "cannot be written");
     EXPECT_EQ(FilesIn(folder.Path()), (Arguments{"mine.nrrd", "region.png"}));
     EXPECT_EQ(ReadBytes(folder / "mine.nrrd"), "mine");

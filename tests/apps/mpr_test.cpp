@@ -251,7 +251,7 @@ TEST(Mpr, LeavesNothingWhereItCannotWrite)
                   "folder does not exist");
     // A limit on the size of files acts like a full disk.
     const Outcome full =
-        RunIn(folder, "/bin/sh", {"-c", "trap '' XFSZ; ulimit -f 1; exec \"$0\" mpr phantom: -o new", CORVANE_PROGRAM});
+        RunIn(folder, "/bin/sh", {"-c", std::string(kOnAFullDisk) + "mpr phantom: -o new", CORVANE_PROGRAM});
     ExpectRefusal(full, 4, "cannot be written");
     EXPECT_TRUE(FilesIn(folder.Path()).empty());
     host::WriteBytes(folder / "file", "mine");

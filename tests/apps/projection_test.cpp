@@ -425,8 +425,8 @@ TEST(Projection, KeepsFilesThatStandThereAndLeavesNothingHalfWritten)
     EXPECT_EQ(FilesIn(folder.Path()), std::vector<std::string>{"coronal.png"});
     EXPECT_EQ(ReadBytes(folder / "coronal.png"), "mine");
     ExpectRefusal(Corvane(folder, {"mip", kSmall, "-o", "absent/a.png"}), 4, "folder does not exist");
-    const Outcome full = RunIn(folder, "/bin/sh",
-                               {"-c", "trap '' XFSZ; ulimit -f 1; exec \"$0\" mip phantom: -o new/", CORVANE_PROGRAM});
+    const Outcome full =
+        RunIn(folder, "/bin/sh", {"-c", std::string(kOnAFullDisk) + "mip phantom: -o new/", CORVANE_PROGRAM});
     ExpectRefusal(full, 4, "cannot be written");
     EXPECT_EQ(FilesIn(folder.Path()), std::vector<std::string>{"coronal.png"});
 }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <sys/stat.h>
 #include <sys/wait.h>
 
 namespace corvane
@@ -41,6 +42,13 @@ void ExpectRefusal(const Outcome& outcome, int code, const std::string& part)
     EXPECT_EQ(outcome.err.rfind("corvane: ", 0), 0u) << outcome.err;
     EXPECT_EQ(std::count(outcome.err.begin(), outcome.err.end(), '\n'), 1) << outcome.err;
     EXPECT_TRUE(host::Contains(outcome.err, part));
+}
+
+void MakeFfmpeg(const host::ScratchFolder& folder, const std::string& script)
+{
+    std::filesystem::create_directory(folder / "bin");
+    host::WriteBytes(folder / "bin/ffmpeg", "#!/bin/sh\n" + script);
+    chmod((folder / "bin/ffmpeg").c_str(), 0700);
 }
 
 std::vector<std::string> FilesIn(const std::string& folder)

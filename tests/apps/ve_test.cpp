@@ -109,14 +109,6 @@ TEST(Ve, ExplainsAWrongCommandLineAndLeavesNothing)
     EXPECT_TRUE(FilesIn(folder.Path()).empty());
 }
 
-// A program called ffmpeg in a folder of its own, which is searched first.
-void MakeFfmpeg(const ScratchFolder& folder, const std::string& script)
-{
-    std::filesystem::create_directory(folder / "bin");
-    WriteBytes(folder / "bin/ffmpeg", "#!/bin/sh\n" + script);
-    chmod((folder / "bin/ffmpeg").c_str(), 0700);
-}
-
 Outcome WithPath(const ScratchFolder& folder, const std::string& path, std::vector<std::string> arguments)
 {
     arguments.insert(arguments.begin(), {"PATH=" + path, CORVANE_PROGRAM});
@@ -127,7 +119,7 @@ TEST(Film, HandsEveryPictureToFfmpeg)
 {
     const ScratchFolder folder;
     // Keeps what it reads, behind the words that it was called with.
-    MakeFfmpeg(folder, "for last; do :; done\necho \"$*\" > words\n/bin/cat > \"$last\"\n");
+    MakeFfmpeg(folder, "echo \"$*\" > words\n" + std::string(kKeepFilm));
     const Outcome outcome =
         WithPath(folder, folder / "bin",
                  {"vr", kSmall, "--size", "30x20", "--turntable", "3", "-o", "p", "--video", "f.mp4", "--fps", "12"});
@@ -149,7 +141,7 @@ TEST(Film, HandsEveryPictureToFfmpeg)
 TEST(Film, NeedsNoPictureFiles)
 {
     const ScratchFolder folder;
-    MakeFfmpeg(folder, "for last; do :; done\n/bin/cat > \"$last\"\n");
+    MakeFfmpeg(folder, kKeepFilm);
     const Outcome outcome = WithPath(folder, folder / "bin", {"ve", kSmall, "--size", "8", "--video", "f.webm"});
     EXPECT_EQ(outcome.code, 0) << outcome.err;
     EXPECT_EQ(ReadBytes(folder / "f.webm").size(), 192u);
