@@ -42,7 +42,7 @@ struct Cut
         tables.Build(palette, 0);
         for (int row = 0; row < 512; ++row)
             for (int column = 0; column < 512; ++column)
-                drawn[size_t(512 * row + column)] =
+                drawn[size_t(512) * size_t(row) + size_t(column)] =
                     (row - 256) * (row - 256) + (column - 256) * (column - 256) < 128 * 128;
     }
 
@@ -50,7 +50,7 @@ struct Cut
                            {0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {0, 0, 1}};
     engine3d::PaletteTables tables;
     Labels labels, selection;
-    std::vector<uint8_t> drawn = std::vector<uint8_t>(512 * 512);
+    std::vector<uint8_t> drawn = std::vector<uint8_t>(size_t(512) * 512);
     // 300 mm wide, turned by 36.87 degrees about z; its middle before the volume's.
     KsImageMark region = {drawn.data(), {512, 512, 0.6, 0.6, {0.8, 0.6, 0}, {0, 0, -1}, {97.2, -65.6, 273.6}}};
 };
@@ -81,11 +81,12 @@ void FillAlone(benchmark::State& state)
     for ([[maybe_unused]] const auto iteration : state)
         for (uint32_t half = 0; half < 2 * kSizeZ; ++half)
         {
+            const uint32_t slice = half / 2, firstRow = half % 2 * (kSizeY / 2);
             KsVolumeData volume = cut->volume;
             volume.sizeY = kSizeY / 2;
             volume.sizeZ = 1;
-            volume.origin[1] = float(half % 2 * (kSizeY / 2)) * 0.5f;
-            volume.origin[2] = float(half / 2) * 0.8f;
+            volume.origin[1] = float(firstRow) * 0.5f;
+            volume.origin[2] = float(slice) * 0.8f;
             const size_t first = size_t(half) * kSizeX * (kSizeY / 2);
             uint8_t *labels = cut->labels.bytes.data() + first, *selection = cut->selection.bytes.data() + first;
             engine3d::SelectCovered(volume, {&labels, kSizeX, kSizeY / 2, 1}, cut->tables.Records(), cut->region, 1,

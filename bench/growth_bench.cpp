@@ -3,7 +3,6 @@
 #include "host/palette_presets.h"
 #include "host/palette_tables.h"
 #include "host/view.h"
-#include "mpr/resampling.h"
 #include "render3d/projection.h"
 #include "render3d/volume_rendering.h"
 
@@ -70,38 +69,6 @@ void Register(const std::string& name, const Run& run)
         ->MeasureProcessCPUTime()
         ->UseRealTime();
 }
-
-// A plane through the middle of the volume, dealt out to workers in bands of rows.
-void ResampleInBands(benchmark::State& state, const BenchVolume& volume, int workers)
-{
-    constexpr int kSide = 2048;
-    const host::Corners corners = host::CornersOf(volume.volume.grid);
-    const core::Box& box = volume.geometry.boundingBox;
-    PnImageParam plane = host::ViewPlaneOf(host::Turned(host::NamedView("anterior"), 30, 20, 0), corners, kSide, kSide,
-                                           double(core::Length(box.max - box.min)) / kSide);
-    const core::Vec3d row = core::VecOf(plane.rowDirection), column = core::VecOf(plane.columnDirection);
-    const core::Vec3d centre = 0.5 * core::ToDouble(box.min + box.max);
-    core::Store(centre - (0.5 * kSide * plane.rowSpacing) * (row + column), plane.position);
-    std::vector<int16_t> values(size_t(kSide) * kSide);
-    const auto firstRow = [&](int64_t band) { return band * kSide / workers; };
-    for ([[maybe_unused]] const auto iteration : state)
-    {
-        core::FanOut(workers,
-                     [&](int64_t first, int64_t end) noexcept
-                     {
-                         KsImageVAL band = {values.data() + firstRow(first) * kSide, plane};
-                         band.param.rows = uint32_t(firstRow(end) - firstRow(first));
-                         core::Store(core::VecOf(plane.position) +
-                                         (double(firstRow(first)) * plane.rowSpacing) * column,
-                                     band.param.position);
-                         mpr::ResamplePlane(volume.view, volume.geometry, band);
-                     });
-        benchmark::ClobberMemory();
-    }
-    state.counters["pixels/s"] =
-        benchmark::Counter(double(state.iterations()) * double(values.size()), benchmark::Counter::kIsRate);
-    state.SetLabel(volume.name);
-}
 } // namespace
 
 void RegisterGrowth(const BenchVolume& volume)
@@ -111,19 +78,25 @@ void RegisterGrowth(const BenchVolume& volume)
         for (const bool rendering : {true, false})
             Register(std::string("frame_size/") + (rendering ? "rendering/" : "maximum/") + std::to_string(side),
                      [frames, rendering, side](benchmark::State& state) { frames->Run(state, rendering, side); });
-    // Made when it is its turn: the largest takes most of a gigabyte.
+    // The same patient in ever smaller voxels. Made when it is its turn: the largest takes most of a gigabyte.
     for (const int edge : {64, 128, 256, 512})
         for (const bool rendering : {true, false})
             Register(std::string("volume_size/") + (rendering ? "rendering/" : "maximum/") + std::to_string(edge),
                      [rendering, edge](benchmark::State& state)
                      {
-                         const std::string size = std::to_string(edge);
-                         const BenchVolume phantom("phantom:size=" + size + "x" + size + "x" + size);
+                         const std::string size = std::to_string(edge), spacing = std::to_string(320.0 / edge);
+                         const BenchVolume phantom("phantom:size=" + size + "x" + size + "x" + size +
+                                                   ",spacing=" + spacing + "x" + spacing + "x" + spacing);
                          Frames(phantom).Run(state, rendering, 512);
                      });
-    // The items are dealt out one each up to 47; 48 make 24 pairs.
-    for (const int workers : {1, 2, 4, 8, 16, 32, 47})
-        Register("workers/" + std::to_string(workers),
-                 [&volume, workers](benchmark::State& state) { ResampleInBands(state, volume, workers); });
+    for (const int workers : {1, 2, 4, 8, 16, 32, core::kMaxWorkerThreads})
+        for (const bool rendering : {true, false})
+            Register(std::string("workers/") + (rendering ? "rendering/" : "maximum/") + std::to_string(workers),
+                     [frames, rendering, workers](benchmark::State& state)
+                     {
+                         core::LimitWorkers(workers);
+                         frames->Run(state, rendering, 512);
+                         core::LimitWorkers(core::kMaxWorkerThreads);
+                     });
 }
 } // namespace corvane::bench

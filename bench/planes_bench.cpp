@@ -4,8 +4,6 @@
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
-#include <cmath>
-#include <numbers>
 
 // Oblique planes through the middle of the volume on one thread. The unit of work is a sample: a pixel inside the
 // volume.
@@ -13,29 +11,10 @@ namespace corvane::bench
 {
 namespace
 {
-using core::Vec3d;
-
-// A square plane through the centre, turned 30 degrees about the patient's z axis and 20 about its own row direction.
-// Its pixels are as large as the smallest voxel spacing at 512 pixels a side, and half of that at 1024.
-PnImageParam ObliquePlane(const core::VolumeGeometry& geometry, int side)
-{
-    const double about = 30 * std::numbers::pi / 180, over = 20 * std::numbers::pi / 180;
-    const Vec3d row = {std::cos(about), std::sin(about), 0};
-    const Vec3d column = {-std::sin(about) * std::cos(over), std::cos(about) * std::cos(over), std::sin(over)};
-    const Vec3d centre = 0.5 * core::ToDouble(geometry.boundingBox.min + geometry.boundingBox.max);
-    PnImageParam plane = {};
-    plane.rows = plane.columns = uint32_t(side);
-    plane.rowSpacing = plane.columnSpacing = double(geometry.minSpacing) * 512 / side;
-    core::Store(row, plane.rowDirection);
-    core::Store(column, plane.columnDirection);
-    core::Store(centre - (0.5 * side * plane.rowSpacing) * (row + column), plane.position);
-    return plane;
-}
-
 void Resample(benchmark::State& state, const BenchVolume& volume, const mpr::KernelTable& kernels, int side)
 {
     std::vector<int16_t> values(size_t(side) * size_t(side));
-    KsImageVAL image = {values.data(), ObliquePlane(volume.geometry, side)};
+    KsImageVAL image = {values.data(), volume.ObliquePlane(side)};
     for ([[maybe_unused]] const auto iteration : state)
     {
         mpr::ResamplePlane(volume.view, volume.geometry, image, kernels);

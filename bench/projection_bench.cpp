@@ -1,14 +1,15 @@
 #include "bench_volume.h"
 #include "host/view.h"
 #include "render3d/projection.h"
+#include "sample_count.h"
 
 #include <benchmark/benchmark.h>
 
 #include <memory>
 
 // Intensity projections on all workers, labels ignored: the whole volume from the front (once obliquely), and a slab of
-// 20 mm through its middle. CPU is the time of all threads together, which is what one core would take; Time is that of
-// the machine's cores.
+// 20 mm about the oblique plane. The unit of work is a sample, jumped over or not. CPU is the time of all threads
+// together, which is what one core would take; Time is that of the machine's cores.
 namespace corvane::bench
 {
 namespace
@@ -35,18 +36,21 @@ constexpr Projection kProjections[] = {
     {"slab_20mm/average", ProjectionKind::Average, 20.0f, 1.0},
 };
 
-// The whole diagonal of the volume fits the picture, magnified by `zoom`; a slab starts half its thickness before the
-// middle.
+// The whole diagonal of the volume fits the picture, magnified by `zoom`; a slab has the oblique plane in its middle.
 PnImageParam PlaneOf(const BenchVolume& volume, const Projection& projection, int side)
 {
+    if (projection.thickness < kWhole)
+    {
+        PnImageParam plane = volume.ObliquePlane(side);
+        const core::Vec3d normal = core::Cross(core::VecOf(plane.rowDirection), core::VecOf(plane.columnDirection));
+        core::Store(core::VecOf(plane.position) - (0.5 * double(projection.thickness)) * normal, plane.position);
+        return plane;
+    }
     const core::Box& box = volume.geometry.boundingBox;
     const double diagonal = double(core::Length(box.max - box.min));
     const host::View view = host::Turned(host::NamedView("anterior"), projection.leftDegrees, projection.upDegrees, 0);
-    PnImageParam plane = host::ViewPlaneOf(view, host::CornersOf(volume.volume.grid), uint32_t(side), uint32_t(side),
-                                           diagonal / projection.zoom / side);
-    if (projection.thickness < kWhole)
-        plane.position[1] = 0.5 * double(box.min.y + box.max.y) - 0.5 * double(projection.thickness);
-    return plane;
+    return host::ViewPlaneOf(view, host::CornersOf(volume.volume.grid), uint32_t(side), uint32_t(side),
+                             diagonal / projection.zoom / side);
 }
 
 void Run(benchmark::State& state, const BenchVolume& volume, const render3d::VolumeSlot& slot,
@@ -59,8 +63,14 @@ void Run(benchmark::State& state, const BenchVolume& volume, const render3d::Vol
         render3d::Project(projection.kind, slot, nullptr, projection.thickness, image, kernels);
         benchmark::DoNotOptimize(values.data());
     }
-    state.counters["rays/s"] =
-        benchmark::Counter(double(state.iterations()) * double(values.size()), benchmark::Counter::kIsRate);
+    const RayCount count =
+        CountSamples([&](const render3d::KernelTable& counting)
+                     { render3d::Project(projection.kind, slot, nullptr, projection.thickness, image, counting); });
+    const auto rate = [&](int64_t perFrame)
+    { return benchmark::Counter(double(state.iterations()) * double(perFrame), benchmark::Counter::kIsRate); };
+    state.counters["samples"] = double(count.samples);
+    state.counters["rays/s"] = rate(count.rays);
+    state.counters["samples/s"] = rate(count.samples);
     state.SetLabel(volume.name);
 }
 } // namespace

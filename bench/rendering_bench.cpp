@@ -11,21 +11,31 @@
 #include <functional>
 #include <memory>
 
-// Volume renderings and endoscopies with the default palette, on all workers. The unit of work is a sample: a place on
-// a ray, in a cell that can be seen, where the volume is interpolated. CPU is the time of all threads together, which
-// is what one core would take; Time is that of the machine's cores.
+// Volume renderings and endoscopies with the default palette, and one in air, on all workers. The unit of work is a
+// sample: a place on a ray, in a cell that can be seen, where the volume is interpolated. CPU is the time of all
+// threads together, which is what one core would take; Time is that of the machine's cores.
 namespace corvane::bench
 {
 namespace
 {
+// What borders on air, whatever it is.
+host::TransferFunction SurfaceOfAir()
+{
+    host::TransferFunction function;
+    function.opacities = {{-700, 0}, {-500, 0.35}, {-200, 0.6}, {1448, 0.62}};
+    function.colours = {{-700, 0.75, 0.25, 0.19}, {-500, 1, 0.56, 0.44}, {-200, 1, 0.75, 0.69}, {1448, 1, 0.96, 0.96}};
+    function.holdEnds = false;
+    return function;
+}
+
 using Draw = std::function<void(const render3d::KernelTable& kernels, std::vector<uint32_t>& pixels)>;
 
 // The volume as a renderer holds it, ready to draw.
 struct Loaded
 {
-    explicit Loaded(const BenchVolume& volume)
-        : tables({{0, host::PaletteOf(*host::PresetOf("default", volume.volume), volume.volume.valueSlope,
-                                      volume.volume.valueIntercept, double(volume.geometry.minSpacing))}})
+    Loaded(const BenchVolume& volume, const host::TransferFunction& function)
+        : tables({{0, host::PaletteOf(function, volume.volume.valueSlope, volume.volume.valueIntercept,
+                                      double(volume.geometry.minSpacing))}})
     {
         render3d::LoadSlot(volume.records.Data(), {}, slot);
         render3d::UpdateSlot(slot, tables.Records());
@@ -48,6 +58,7 @@ void Run(benchmark::State& state, const Draw& draw, const render3d::KernelTable&
     const auto rate = [&](int64_t perFrame)
     { return benchmark::Counter(double(state.iterations()) * double(perFrame), benchmark::Counter::kIsRate); };
     state.counters["samples"] = double(count.samples);
+    state.counters["shaded"] = double(count.shaded);
     state.counters["rays/s"] = rate(count.rays);
     state.counters["samples/s"] = rate(count.samples);
     state.SetLabel(name);
@@ -66,11 +77,10 @@ Draw DrawView(const BenchVolume& volume, std::shared_ptr<const Loaded> loaded, c
     };
 }
 
-// From the middle of the volume, forwards and a little down, through 90 degrees.
+// Backwards and a little down, through 90 degrees.
 Draw DrawEndoscopy(const BenchVolume& volume, std::shared_ptr<const Loaded> loaded, int side)
 {
-    const core::Box& box = volume.geometry.boundingBox;
-    const core::Vec3f eye = 0.5f * (box.min + box.max);
+    const core::Vec3f eye = volume.eye;
     const KsViewPoint view = {{eye.x, eye.y, eye.z}, {0.0f, 0.958f, -0.287f}, {0, 0, 1}};
     PnImageParam plane = {};
     plane.rows = plane.columns = uint32_t(side);
@@ -84,7 +94,8 @@ Draw DrawEndoscopy(const BenchVolume& volume, std::shared_ptr<const Loaded> load
 
 void RegisterRenderings(const BenchVolume& volume)
 {
-    const auto loaded = std::make_shared<const Loaded>(volume);
+    const auto loaded = std::make_shared<const Loaded>(volume, *host::PresetOf("default", volume.volume));
+    const auto air = std::make_shared<const Loaded>(volume, SurfaceOfAir());
     const host::View front = host::NamedView("anterior");
     for (const int side : {256, 512, 1024, 2048})
     {
@@ -92,7 +103,8 @@ void RegisterRenderings(const BenchVolume& volume)
             {"volume_rendering/front", DrawView(volume, loaded, front, 1.0, side)},
             {"volume_rendering/oblique", DrawView(volume, loaded, host::Turned(front, 30, 20, 0), 1.0, side)},
             {"volume_rendering/zoom", DrawView(volume, loaded, front, 2.2, side)},
-            {"endoscopy", DrawEndoscopy(volume, loaded, side)}};
+            {"endoscopy", DrawEndoscopy(volume, loaded, side)},
+            {"endoscopy_air", DrawEndoscopy(volume, air, side)}};
         for (const auto& [frame, draw] : frames)
         {
             for (const render3d::KernelTable* kernels : render3d::AvailableKernels())

@@ -5,6 +5,7 @@
 #define KERNEL_LANES 4
 #include "core/simd/sampling.h"
 #include "render3d/kernels/cast_rays.h"
+#include "render3d/kernels/parallel_rays.h"
 #include "render3d/kernels/visible_run.h"
 
 #include <algorithm>
@@ -17,7 +18,7 @@ namespace
 constexpr float kOpaque = 0.001f;
 constexpr float kVisibleOpacity = 0.01f;
 
-std::atomic<int64_t> castRays, takenSamples;
+std::atomic<int64_t> castRays, takenSamples, shadedSamples;
 
 counting::FloatPack OpacitiesAt(const render3d::Scene& scene, const counting::VectorPack& p)
 {
@@ -33,13 +34,13 @@ counting::FloatPack OpacitiesAt(const render3d::Scene& scene, const counting::Ve
     return opacities;
 }
 
-int64_t SamplesOn(const render3d::Scene& scene, const render3d::RayBatch& batch, int first)
+void CountPack(const render3d::Scene& scene, const render3d::RayBatch& batch, int first)
 {
     using namespace counting;
     auto [rays, place, live] = CastRays(scene, batch, first);
     FloatPack transmittance = FloatPack{} + 1.0f;
     const FloatPack somewhere = FloatPack{} + 1.0f;
-    IntPack steps = {}, samples = {};
+    IntPack steps = {}, samples = {}, shaded = {};
     const CellExits exits(rays);
     while (Any(live))
     {
@@ -57,31 +58,46 @@ int64_t SamplesOn(const render3d::Scene& scene, const render3d::RayBatch& batch,
             const FloatPack opacities =
                 OpacitiesAt(scene, {sampled ? p.x : somewhere, sampled ? p.y : somewhere, sampled ? p.z : somewhere});
             const IntPack seen = sampled & (opacities > kVisibleOpacity);
+            shaded -= seen;
             transmittance = seen ? transmittance * (1.0f - opacities) : transmittance;
             live &= transmittance >= kOpaque;
             steps -= 1;
             sampled &= live & (steps > 0);
         }
     }
-    int64_t sum = 0;
     for (int lane = 0; lane < kLanes; ++lane)
-        sum += samples[lane];
-    return sum;
+    {
+        takenSamples += samples[lane];
+        shadedSamples += shaded[lane];
+    }
 }
 
 void CountRays(const render3d::Scene& scene, const render3d::RayBatch& rays, uint32_t* pixels)
 {
     std::fill_n(pixels, rays.count, 0u);
     for (int first = 0; first < rays.count; first += counting::kLanes)
-        takenSamples += SamplesOn(scene, rays, first);
+        CountPack(scene, rays, first);
     castRays += rays.count;
+}
+void CountProjection(const render3d::Scene& scene, const render3d::ParallelRays& rays, int64_t first, int64_t end,
+                     int16_t* values)
+{
+    std::fill(values + first, values + end, int16_t(0));
+    for (int64_t ray = first; ray < end; ray += counting::kLanes)
+    {
+        const counting::ParallelPack pack = counting::RaysFrom(scene, rays, ray, end);
+        for (int lane = 0; lane < counting::kLanes; ++lane)
+            if (pack.live[lane])
+                takenSamples += 1 + int64_t((pack.exitDistance[lane] - pack.entry.distance[lane]) / rays.stepLength);
+    }
+    castRays += end - first;
 }
 } // namespace
 
 RayCount CountSamples(const std::function<void(const render3d::KernelTable& counting)>& draw)
 {
-    castRays = takenSamples = 0;
-    draw({"counting", CountRays, nullptr, nullptr, nullptr});
-    return {castRays, takenSamples};
+    castRays = takenSamples = shadedSamples = 0;
+    draw({"counting", CountRays, CountProjection, CountProjection, CountProjection});
+    return {castRays, takenSamples, shadedSamples};
 }
 } // namespace corvane::bench

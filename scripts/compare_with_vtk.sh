@@ -1,12 +1,15 @@
 #!/usr/bin/env bash
-# Runs corvane_bench and a benchmark of VTK's CPU classes in turn on one volume and prints what either takes for the same
-# picture, as a Markdown table: CPU milliseconds per frame on one thread, the median of the rounds, and the ratio. Only of
-# VTK's first frame the wall time is known.
-#   usage: scripts/compare_with_vtk.sh BENCH VTK_BENCH INPUT [ROUNDS]
+# Runs corvane_bench and a benchmark of VTK in turn on one volume and prints what either takes for the same picture, as a
+# Markdown table: CPU milliseconds per frame on one thread, the median of the rounds, and the ratio. These are VTK's CPU
+# classes but for averages (gpu_aip), which it has for GPUs only, here on software OpenGL; only of its first frame the
+# wall time is known.
+#   usage: scripts/compare_with_vtk.sh BENCH VTK_BENCH INPUT EYE [ROUNDS]
 #   BENCH      the corvane_bench program
-#   VTK_BENCH  a Python program: VTK_BENCH INPUT --ops A,B --sizes 512,1024 --threads 1 --json FILE writes
+#   VTK_BENCH  a Python program: VTK_BENCH INPUT --ops A,B --sizes 512,1024 --threads 1 --endo-voxel EYE
+#              --endo-dir X,Y,Z --json FILE writes
 #              {"results": [{"op", "size", "cpu_ms", "first_ms"}, ...]}
 #   INPUT      a .nii.gz that both read
+#   EYE        the voxel I,J,K in air from which the endoscopies look
 #   ROUNDS     how often either runs, 3 when left out
 # PYTHON names the interpreter that has VTK, python3 when not set. Without a DISPLAY, xvfb-run lends one.
 set -euo pipefail
@@ -17,8 +20,8 @@ fail()
     exit 1
 }
 
-[ $# -eq 3 ] || [ $# -eq 4 ] || fail "usage: compare_with_vtk.sh BENCH VTK_BENCH INPUT [ROUNDS]"
-bench=$1 vtkBench=$2 input=$3 rounds=${4:-3} python=${PYTHON:-python3}
+[ $# -eq 4 ] || [ $# -eq 5 ] || fail "usage: compare_with_vtk.sh BENCH VTK_BENCH INPUT EYE [ROUNDS]"
+bench=$1 vtkBench=$2 input=$3 eye=$4 rounds=${5:-3} python=${PYTHON:-python3}
 [ -x "$bench" ] || fail "$bench: no such program; configure with -DCORVANE_BUILD_BENCH=ON"
 [ -r "$vtkBench" ] || fail "$vtkBench: no such file"
 [ -r "$input" ] || fail "$input: no such file"
@@ -32,14 +35,14 @@ fi
 
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
-rows='^(volume_rendering|endoscopy|projection|slab_20mm|plane|first_frame)/'
-ops=dvr_front,dvr_oblique,dvr_zoom,endo,mip,minip,reslice,slab_max,slab_mean
+rows='^(volume_rendering|endoscopy|endoscopy_air|projection|slab_20mm|plane|first_frame)/.*(512|1024)|^first_frame/'
+ops=dvr_front,dvr_oblique,dvr_zoom,endo,endo_air,mip,minip,gpu_aip,reslice,slab_max,slab_mean
 for ((round = 1; round <= rounds; ++round)); do
     echo "round $round of $rounds" >&2
     "$bench" --benchmark_filter="$rows" --benchmark_min_time=0.3 --benchmark_out_format=json \
-        --benchmark_out="$folder/ours_$round.json" "$input" >/dev/null
-    LIBGL_ALWAYS_SOFTWARE=1 "${display[@]}" "$python" "$vtkBench" "$input" --ops "$ops" --sizes 512,1024 --threads 1 \
-        --reps 3 --max-seconds 20 --endo-dir 0,1,-0.3 --json "$folder/vtk_$round.json" >/dev/null
+        --benchmark_out="$folder/ours_$round.json" "$input" "$eye" >/dev/null
+    LIBGL_ALWAYS_SOFTWARE=1 LP_NUM_THREADS=1 "${display[@]}" "$python" "$vtkBench" "$input" --ops "$ops" --sizes 512,1024 --threads 1 \
+        --reps 3 --max-seconds 20 --endo-voxel "$eye" --endo-dir 0,1,-0.3 --json "$folder/vtk_$round.json" >/dev/null
 done
 
 "$python" - "$folder" <<'PYTHON'
@@ -47,8 +50,9 @@ import glob, json, re, statistics, sys
 
 # A row of VTK's program and the one of ours that draws the same.
 PAIRS = [("dvr_front", "volume_rendering/front"), ("dvr_oblique", "volume_rendering/oblique"),
-         ("dvr_zoom", "volume_rendering/zoom"), ("endo", "endoscopy"), ("mip", "projection/maximum"),
-         ("minip", "projection/minimum"), ("reslice", "plane/trilinear"), ("slab_max", "slab_20mm/maximum"),
+         ("dvr_zoom", "volume_rendering/zoom"), ("endo", "endoscopy"),
+         ("endo_air", "endoscopy_air"), ("mip", "projection/maximum"),
+         ("minip", "projection/minimum"), ("gpu_aip", "projection/average"), ("reslice", "plane/trilinear"), ("slab_max", "slab_20mm/maximum"),
          ("slab_mean", "slab_20mm/average"), ("first frame", "first_frame")]
 folder = sys.argv[1]
 ours, theirs = {}, {}
