@@ -1,23 +1,27 @@
 #!/usr/bin/env bash
 # Builds with warnings as errors and runs every test. The last line says how many passed and failed.
-#   usage: ./test.sh [--quick | --only STEP]
-#   --quick  leaves out the two sanitizer steps and Windows
-#   STEP     release  all tests, and those of the installed package, built for release by g++
-#            asan     the tests under AddressSanitizer and UndefinedBehaviorSanitizer, built by clang++
-#            tsan     the tests under ThreadSanitizer, built by g++
-#            wine     the tests of the library, built for Windows and run under Wine
-#            format   the format of every C++ file
-#            headers  the public headers, each on its own, with every compiler
+#   usage: ./test.sh [--quick | --only STEP | --coverage]
+#   --quick     leaves out the sanitizers, valgrind, clang-tidy, Windows and fuzzing
+#   --coverage  instead of all this: which lines and branches of the library the tests reach; fails below 95 % of lines
+#   STEP        release   all tests, and those of the installed package, built for release by g++
+#               headers   the public headers, each on its own, with every compiler
+#               format    the format of every C++ file
+#               tidy      clang-tidy over every C++ file but tests and fuzz programs
+#               valgrind  small runs of the C interface, an example and the program under valgrind
+#               asan      the tests under AddressSanitizer and UndefinedBehaviorSanitizer, built by clang++
+#               tsan      the tests under ThreadSanitizer, built by g++
+#               wine      the tests of the library, built for Windows and run under Wine
+#               fuzz      a minute of made-up calls and files for each fuzz program; FUZZ_SECONDS sets another time
 set -uo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 readonly root
-readonly allSteps=(release headers format asan tsan wine)
+readonly allSteps=(release headers format tidy valgrind asan tsan wine fuzz)
 passed=0 failed=0 skipped=0
 launcher=() # a command that starts what runs the tests
 
 usageError()
 {
-    echo "test.sh: $1; usage: ./test.sh [--quick | --only release|asan|tsan|wine|format|headers]" >&2
+    echo "test.sh: $1; usage: ./test.sh [--quick | --only $(IFS="|" && echo "${allSteps[*]}") | --coverage]" >&2
     exit 2
 }
 
@@ -84,7 +88,7 @@ step_release()
         stepFailed "the release build failed"
         return
     fi
-    runTests "$build" --label-exclude headers
+    runTests "$build" --label-exclude 'headers|valgrind'
 }
 
 step_headers()
@@ -97,6 +101,21 @@ step_headers()
     runTests "$build" --label-regex headers
 }
 
+# Every file counts as a test.
+step_tidy()
+{
+    local build=$root/build/test-tidy
+    if ! configure "$build" -DCMAKE_BUILD_TYPE=Release -DCMAKE_CXX_COMPILER=clang++ -DCORVANE_BUILD_BENCH=ON \
+        -DCMAKE_EXPORT_COMPILE_COMMANDS=ON; then
+        stepFailed "the build that clang-tidy reads cannot be configured"
+        return
+    fi
+    "$root/scripts/check_tidy.sh" "$build" || echo "test.sh: clang-tidy asks for changes; see above" >&2
+    passed=$((passed + $(wc -l <"$build/tidy/passed")))
+    failed=$((failed + $(wc -l <"$build/tidy/failed")))
+    [ -s "$build/tidy/passed" ] || stepFailed "clang-tidy did not run"
+}
+
 step_format()
 {
     if "$root/scripts/check_format.sh"; then
@@ -104,6 +123,17 @@ step_format()
     else
         stepFailed "the format is not that of .clang-format; run: clang-format -i FILE"
     fi
+}
+
+step_valgrind()
+{
+    local build=$root/build/test-release
+    if ! { configureRelease "$build" &&
+        cmake --build "$build" --parallel "$(nproc)" --target corvane_program c_interface_in_c mpr_planes; }; then
+        stepFailed "the programs for valgrind could not be built"
+        return
+    fi
+    runTests "$build" --label-regex valgrind
 }
 
 # Builds with a sanitizer, assertions on, and runs all tests but those of the installed package.
@@ -122,7 +152,7 @@ sanitized()
         stepFailed "the build with -fsanitize=$sanitizers failed"
         return
     fi
-    runTests "$build" --label-exclude 'package|headers'
+    runTests "$build" --label-exclude 'package|headers|valgrind'
 }
 
 step_asan()
@@ -141,6 +171,40 @@ step_tsan()
     "${plainAddresses[@]}" true 2>/dev/null && launcher=("${plainAddresses[@]}")
     sanitized g++ thread "$root/build/test-tsan"
     launcher=()
+}
+
+step_fuzz()
+{
+    local build=$root/build/test-fuzz
+    local flags="-O1 -g -fno-omit-frame-pointer -fsanitize=fuzzer-no-link,address,undefined -fno-sanitize-recover=all"
+    export ASAN_OPTIONS=detect_leaks=1:strict_string_checks=1 UBSAN_OPTIONS=print_stacktrace=1
+    export LSAN_OPTIONS=suppressions=$root/tests/leaks_of_libraries.supp:print_suppressions=0
+    if ! { configure "$build" -DCMAKE_BUILD_TYPE=None -DCMAKE_CXX_COMPILER=clang++ -DCMAKE_CXX_FLAGS="$flags" \
+        -DCMAKE_CXX_STANDARD_LIBRARIES=-Wl,-z,undefs -DCORVANE_BUILD_TESTS=OFF -DCORVANE_BUILD_FUZZ=ON \
+        -DCORVANE_FUZZ_SECONDS="${FUZZ_SECONDS:-60}" && cmake --build "$build" --parallel "$(nproc)"; }; then
+        stepFailed "the fuzz programs could not be built"
+        return
+    fi
+    runTests "$build" --label-regex fuzz
+}
+
+step_coverage()
+{
+    local build=$root/build/test-coverage
+    local flags="-O1 -DNDEBUG -fprofile-instr-generate -fcoverage-mapping"
+    rm -rf "$build/profiles"
+    export LLVM_PROFILE_FILE=$build/profiles/%4m.profraw
+    if ! { configure "$build" -DCMAKE_BUILD_TYPE=None -DCMAKE_CXX_COMPILER=clang++ -DCMAKE_CXX_FLAGS="$flags" &&
+        cmake --build "$build" --parallel "$(nproc)"; }; then
+        stepFailed "the build that counts what runs failed"
+        return
+    fi
+    runTests "$build" --label-exclude 'package|headers|valgrind'
+    if "$root/scripts/coverage.sh" "$build"; then
+        passed=$((passed + 1))
+    else
+        stepFailed "the tests do not reach enough of the library"
+    fi
 }
 
 # Runs whole programs of tests and adds the counts in GoogleTest's own reports to the totals.
@@ -188,12 +252,16 @@ steps=("${allSteps[@]}")
 case ${1:-} in
 '') ;;
 -h | --help)
-    sed -n '2,11s/^# \{0,3\}//p' "${BASH_SOURCE[0]}"
+    sed -n '2,14s/^# \{0,3\}//p' "${BASH_SOURCE[0]}"
     exit 0
     ;;
 --quick)
     [ $# -eq 1 ] || usageError "--quick stands alone"
     steps=(release headers format)
+    ;;
+--coverage)
+    [ $# -eq 1 ] || usageError "--coverage stands alone"
+    steps=(coverage)
     ;;
 --only)
     [ $# -eq 2 ] || usageError "--only needs one step"

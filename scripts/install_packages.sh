@@ -3,8 +3,8 @@
 #   usage: scripts/install_packages.sh GROUP...
 #   build  compiler and build tool: all that the library needs
 #   apps   what the corvane program reads and writes files with
-#   test   test and benchmark frameworks, a second compiler, the formatter, a comparer of binary interfaces,
-#          what packages and the reference are made with
+#   test   test and benchmark frameworks, a second compiler with its formatter, its checks and its coverage tools,
+#          valgrind, a comparer of binary interfaces, what packages and the reference are made with
 #   wine   the compiler for Windows, what runs its programs here, the test framework's source
 set -euo pipefail
 
@@ -13,7 +13,7 @@ packagesOf()
     case $1 in
     build) echo g++ cmake ninja-build ;;
     apps) echo libgdcm-dev libnifti2-dev libteem-dev libpng-dev zlib1g-dev libcli11-dev nlohmann-json3-dev libtinyxml2-dev ;;
-    test) echo libgtest-dev libbenchmark-dev clang libclang-rt-dev clang-format pkgconf git abigail-tools dpkg-dev file doxygen ;;
+    test) echo libgtest-dev libbenchmark-dev clang libclang-rt-dev clang-format clang-tidy llvm valgrind pkgconf git abigail-tools dpkg-dev file doxygen ;;
     wine) echo g++-mingw-w64-x86-64-posix wine64 googletest ;;
     *) return 1 ;;
     esac
