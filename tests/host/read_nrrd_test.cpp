@@ -189,6 +189,21 @@ TEST(ReadNrrd, DoesNotWaitForAPipe)
     }
 }
 
+// The library forgets the end of a long last line, or complains of it and reads beyond it.
+TEST(ReadNrrd, RefusesAListOfDataFilesWhoseLastLineHasNoEnd)
+{
+    const ScratchFolder folder;
+    WriteBytes(folder / "data", "0123456789abcdef");
+    const auto longName = [](int length) { return std::string(size_t(length), '/').replace(0, 1, ".") + "/./data"; };
+    for (const std::string& names : {longName(10), longName(40) + "\n" + longName(120)})
+    {
+        WriteBytes(folder / "a.nhdr", "NRRD0004\ntype: short\ndimension: 3\nsizes: 2 2 2\nencoding: raw\n"
+                                      "endian: little\ndata file: LIST\n" +
+                                          names);
+        EXPECT_TRUE(Contains(ErrorOf([&] { ReadVolume(folder / "a.nhdr"); }), "a.nhdr: ")) << names;
+    }
+}
+
 TEST(ReadNrrd, RefusesWhatIsNoVolume)
 {
     EXPECT_TRUE(Contains(
