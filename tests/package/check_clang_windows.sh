@@ -33,7 +33,7 @@ compile()
 
 while IFS= read -r source; do
     case $source in
-    core/fan_out_std.cpp) ;; # for other systems
+    core/fan_out_posix.cpp) ;; # for other systems
     */kernels/selection.cpp) compile "$source" ;;
     */kernels/*)
         compile -DKERNEL_ISA=base -DKERNEL_LANES=4 "$source"
