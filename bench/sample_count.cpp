@@ -83,13 +83,19 @@ void CountProjection(const render3d::Scene& scene, const render3d::ParallelRays&
                      int16_t* values)
 {
     std::fill(values + first, values + end, int16_t(0));
-    for (int64_t ray = first; ray < end; ray += counting::kLanes)
-    {
-        const counting::ParallelPack pack = counting::RaysFrom(scene, rays, ray, end);
-        for (int lane = 0; lane < counting::kLanes; ++lane)
-            if (pack.live[lane])
-                takenSamples += 1 + int64_t((pack.exitDistance[lane] - pack.entry.distance[lane]) / rays.stepLength);
-    }
+    counting::InStrips(rays.columns, first, end,
+                       [&](counting::PixelRun run)
+                       {
+                           for (; run.column < run.endColumn; run.column += counting::kLanes)
+                           {
+                               const counting::ParallelPack pack = counting::RaysFrom(scene, rays, run);
+                               for (int lane = 0; lane < counting::kLanes; ++lane)
+                                   if (pack.live[lane])
+                                       takenSamples +=
+                                           1 + int64_t((pack.exitDistance[lane] - pack.entry.distance[lane]) /
+                                                       rays.stepLength);
+                           }
+                       });
     castRays += end - first;
 }
 } // namespace

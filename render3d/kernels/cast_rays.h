@@ -43,9 +43,9 @@ inline CastPack CastRays(const render3d::Scene& scene, const render3d::RayBatch&
         pack.live[lane] = scene.anyHits && first + lane < batch.count ? -1 : 0;
     IntPack still;
     SetCourse(scene, patientDirection, pack.rays, still);
-    const VectorPack start = pack.rays.start = IndexOf(scene.frame, patientStart);
 
-    const ClippedPack clipped(scene, patientStart, patientDirection, start, pack.rays.direction, pack.live);
+    const ClippedPack clipped(scene, patientStart, patientDirection, pack.rays.direction, pack.live);
+    pack.rays.start = clipped.start;
     pack.place = clipped.entry;
     const FloatPack end = EndOfRay(clipped.exitDistance, pack.place.distance, pack.rays.stepLength);
     pack.rays.exitDistance = still ? FloatPack{} + 1.0f : end;

@@ -87,18 +87,24 @@ inline int32_t MostJumps(const core::VolumeView& volume)
     return jumps < INT32_MAX ? int32_t(jumps) : INT32_MAX;
 }
 
-// Where rays are sampled first, and the distance at which they leave. Takes the lanes that miss out of `live`.
+// Where rays start in voxel-index space and are sampled first, and the distance at which they leave. Takes the lanes
+// that miss out of `live`; nothing is computed for a pack of which all miss.
 struct ClippedPack
 {
+    VectorPack start = {};
     PlacePack entry = {};
     FloatPack exitDistance = {};
 
     ClippedPack(const render3d::Scene& scene, const VectorPack& patientStart, const VectorPack& patientDirection,
-                const VectorPack& start, const VectorPack& direction, IntPack& live)
+                const VectorPack& direction, IntPack& live)
     {
         const BoxCrossing box(scene.box, patientStart, patientDirection);
+        live &= box.hit;
+        if (!Any(live))
+            return;
+        start = IndexOf(scene.frame, patientStart);
         const BoxCrossing bounds(scene.bounds, start, direction);
-        live &= box.hit & bounds.hit;
+        live &= bounds.hit;
         if (!Any(live))
             return;
         const VectorPack boxEntry = IndexOf(scene.frame, PointOn(patientStart, box.entry, patientDirection));

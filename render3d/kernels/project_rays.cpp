@@ -14,22 +14,28 @@ constexpr int32_t kBackground = -1024;
 constexpr int32_t kLeastAveraged = -1248; // what lies below is padding outside a scanner's field of view
 constexpr float kCoarseSteps = 10.0f;
 
-// Calls run(from, to) for pieces of rows that make up the pixels [first, end): strip after strip of columns, each from
-// the first row to the last, because the rays of neighbouring rows meet the same voxels while those are in the caches.
-template <class Run>
-void InStrips(int64_t columns, int64_t first, int64_t end, const Run& run)
+// Calls search(pack, pixels, count) for the rays of the pixels [first, end), a pack at a time; where a whole pack
+// misses the volume the pixels get the value `missed`.
+template <class Search>
+void ForEachPack(const Scene& scene, const ParallelRays& rays, int64_t first, int64_t end, int16_t* values,
+                 int32_t missed, const Search& search)
 {
-    constexpr int64_t kStrip = 32; // pixels
-    const int64_t firstRow = first / columns, endRow = (end + columns - 1) / columns;
-    for (int64_t left = 0; left < columns; left += kStrip)
-    {
-        const int64_t right = left + kStrip < columns ? left + kStrip : columns;
-        for (int64_t row = firstRow; row < endRow; ++row)
-        {
-            const int64_t from = row * columns + left, to = row * columns + right;
-            run(from > first ? from : first, to < end ? to : end);
-        }
-    }
+    InStrips(rays.columns, first, end,
+             [&](PixelRun run)
+             {
+                 for (; run.column < run.endColumn; run.column += kLanes)
+                 {
+                     int16_t* const pixels = values + run.row * rays.columns + run.column;
+                     const int64_t left = run.endColumn - run.column;
+                     const int count = left < kLanes ? int(left) : kLanes;
+                     const ParallelPack pack = RaysFrom(scene, rays, run);
+                     if (Any(pack.live))
+                         search(pack, pixels, count);
+                     else
+                         for (int lane = 0; lane < count; ++lane)
+                             pixels[lane] = int16_t(missed);
+                 }
+             });
 }
 
 typedef int16_t PairPack __attribute__((vector_size(4 * KERNEL_LANES))); // two neighbouring voxels for each lane
@@ -172,9 +178,9 @@ IntPack SampleBest(const Scene& scene, IntPack wanted, const VectorPack& p, IntP
 }
 
 // Walks rays through the block tree: in each round a ray takes a step to a sample, or jumps over a cell that cannot
-// better what it has.
+// better what it has. Not inlined, so that its loop has all registers.
 template <class Kind>
-IntPack BestOfPack(const Scene& scene, const ParallelRays& rays, const ParallelPack& pack)
+__attribute__((noinline)) IntPack BestOfPack(const Scene& scene, const ParallelRays& rays, const ParallelPack& pack)
 {
     const core::VolumeView& volume = scene.volume;
     const float sizeX = float(volume.nx), sizeY = float(volume.ny), sizeZ = float(volume.nz);
@@ -233,18 +239,13 @@ IntPack BestOfPack(const Scene& scene, const ParallelRays& rays, const ParallelP
 template <class Kind>
 void ProjectBest(const Scene& scene, const ParallelRays& rays, int64_t first, int64_t end, int16_t* values)
 {
-    InStrips(rays.columns, first, end,
-             [&](int64_t from, int64_t to)
-             {
-                 for (; from < to; from += kLanes)
-                 {
-                     const ParallelPack pack = RaysFrom(scene, rays, from, to);
-                     const IntPack best =
-                         Any(pack.live) ? BestOfPack<Kind>(scene, rays, pack) : IntPack{} + Kind::kStart;
-                     for (int lane = 0; lane < kLanes && from + lane < to; ++lane)
-                         values[from + lane] = int16_t(best[lane]);
-                 }
-             });
+    ForEachPack(scene, rays, first, end, values, Kind::kStart,
+                [&](const ParallelPack& pack, int16_t* pixels, int count)
+                {
+                    const IntPack best = BestOfPack<Kind>(scene, rays, pack);
+                    for (int lane = 0; lane < count; ++lane)
+                        pixels[lane] = int16_t(best[lane]);
+                });
 }
 
 // The sums and the number of the values that count.
@@ -253,7 +254,8 @@ struct Sums
     int64_t sums[kLanes] = {}, counts[kLanes] = {};
 };
 
-Sums SumsOfPack(const Scene& scene, const ParallelRays& rays, const ParallelPack& pack)
+// Not inlined, as above.
+__attribute__((noinline)) Sums SumsOfPack(const Scene& scene, const ParallelRays& rays, const ParallelPack& pack)
 {
     constexpr int kMostAdded = 1 << 15; // stored values whose sum fits 32 bits
     Sums total;
@@ -299,20 +301,16 @@ void ProjectMinimum(const Scene& scene, const ParallelRays& rays, int64_t first,
 
 void ProjectAverage(const Scene& scene, const ParallelRays& rays, int64_t first, int64_t end, int16_t* values)
 {
-    InStrips(rays.columns, first, end,
-             [&](int64_t from, int64_t to)
-             {
-                 for (; from < to; from += kLanes)
-                 {
-                     const ParallelPack pack = RaysFrom(scene, rays, from, to);
-                     const Sums total = SumsOfPack(scene, rays, pack);
-                     for (int lane = 0; lane < kLanes && from + lane < to; ++lane)
-                     {
-                         const int64_t mean =
-                             total.counts[lane] > 0 ? total.sums[lane] / total.counts[lane] : kBackground;
-                         values[from + lane] = int16_t(mean < kBackground ? kBackground : mean);
-                     }
-                 }
-             });
+    ForEachPack(scene, rays, first, end, values, kBackground,
+                [&](const ParallelPack& pack, int16_t* pixels, int count)
+                {
+                    const Sums total = SumsOfPack(scene, rays, pack);
+                    for (int lane = 0; lane < count; ++lane)
+                    {
+                        const int64_t mean =
+                            total.counts[lane] > 0 ? total.sums[lane] / total.counts[lane] : kBackground;
+                        pixels[lane] = int16_t(mean < kBackground ? kBackground : mean);
+                    }
+                });
 }
 } // namespace corvane::KERNEL_ISA
