@@ -105,22 +105,23 @@ std::optional<std::vector<char>> DecodeApart(std::span<const CompressedFile> fil
     size_t byteCount = 0;
     for (const CompressedFile& file : files)
         byteCount += file.header.PixelBytes();
-    std::vector<char> pixels(byteCount);
-    const bool done = RunApart(pixels, unsigned(3 + byteCount / kSlowest),
-                               [&](char* decoded)
-                               {
-                                   gdcm::Trace::DebugOff();
-                                   gdcm::Trace::WarningOff();
-                                   gdcm::Trace::ErrorOff();
-                                   for (const CompressedFile& file : files)
-                                   {
-                                       if (!Decode(file, decoded))
-                                           return false;
-                                       decoded += file.header.PixelBytes();
-                                   }
-                                   return true;
-                               });
-    return done ? std::optional(std::move(pixels)) : std::nullopt;
+    const auto decode = [&](char* pixels)
+    {
+        gdcm::Trace::DebugOff();
+        gdcm::Trace::WarningOff();
+        gdcm::Trace::ErrorOff();
+        for (const CompressedFile& file : files)
+        {
+            if (!Decode(file, pixels))
+                return false;
+            pixels += file.header.PixelBytes();
+        }
+        return true;
+    };
+    const std::optional<FilledBytes> pixels = RunApart(byteCount, unsigned(3 + byteCount / kSlowest), decode);
+    if (!pixels)
+        return std::nullopt;
+    return std::vector<char>(pixels->Bytes().begin(), pixels->Bytes().end());
 }
 
 std::vector<char> DecodedPixels(std::span<const CompressedFile> files)

@@ -127,29 +127,32 @@ RawVolume VolumeOf(const std::string& path, const PlainHeader& header)
 RawVolume ReadNrrd(const std::string& path)
 {
     constexpr unsigned int kSeconds = 3;
-    constexpr size_t kSlowest =
-        1 << 20; // bytes a second; numbers as text, the slowest encoding, make several times that
+    constexpr size_t kSlowest = 1 << 20; // bytes a second; numbers as text, the slowest encoding, make more
     CheckDataFiles(path);
-    PlainHeader header = {};
     const auto readHeader = [&](char* bytes)
     {
-        const PlainHeader found = PlainHeaderOf(ReadNrrdHeader(path));
-        std::memcpy(bytes, &found, sizeof(found));
+        const PlainHeader header = PlainHeaderOf(ReadNrrdHeader(path));
+        std::memcpy(bytes, &header, sizeof(header));
         return true;
     };
-    if (!RunApart({reinterpret_cast<char*>(&header), sizeof(header)}, kSeconds, readHeader))
+    const std::optional<FilledBytes> header = RunApart(sizeof(PlainHeader), kSeconds, readHeader);
+    if (!header)
         Fail(path, "cannot be read as NRRD: the header is damaged");
 
-    RawVolume raw = VolumeOf(path, header);
-    raw.Allocate(FileNameOf(path));
-    const std::span<char> voxels(reinterpret_cast<char*>(raw.memory.data()), raw.ByteCount());
+    RawVolume raw = VolumeOf(path, *reinterpret_cast<const PlainHeader*>(header->Bytes().data()));
+    const size_t byteCount = raw.ByteCount();
+    CheckMemoryHolds(FileNameOf(path), byteCount);
     const auto readVoxels = [&](char* bytes)
     {
-        ReadNrrdVoxels(path, {bytes, voxels.size()});
+        ReadNrrdVoxels(path, {bytes, byteCount});
         return true;
     };
-    if (!RunApart(voxels, unsigned(kSeconds + voxels.size() / kSlowest), readVoxels))
+    const std::optional<FilledBytes> voxels =
+        RunApart(byteCount, unsigned(kSeconds + byteCount / kSlowest), readVoxels);
+    if (!voxels)
         Fail(path, "cannot be read as NRRD: the voxels are damaged");
+    raw.Allocate(FileNameOf(path));
+    std::memcpy(raw.memory.data(), voxels->Bytes().data(), byteCount);
     return raw;
 }
 } // namespace corvane::host

@@ -2,7 +2,6 @@
 
 #include "error.h"
 
-#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <cstring>
@@ -19,26 +18,13 @@ namespace corvane::host
 namespace
 {
 // Memory that this process shares with those that it starts from then on; zeroed.
-class SharedMemory
+std::shared_ptr<char> SharedMemory(size_t byteCount)
 {
-public:
-    explicit SharedMemory(size_t byteCount)
-        : byteCount_(byteCount),
-          memory_(mmap(nullptr, byteCount, PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0))
-    {
-        if (memory_ == MAP_FAILED)
-            throw std::bad_alloc();
-    }
-    ~SharedMemory() { munmap(memory_, byteCount_); }
-    SharedMemory(const SharedMemory&) = delete;
-    SharedMemory& operator=(const SharedMemory&) = delete;
-
-    char* Bytes() const { return static_cast<char*>(memory_); }
-
-private:
-    size_t byteCount_;
-    void* memory_;
-};
+    void* const memory = mmap(nullptr, byteCount, PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
+    if (memory == MAP_FAILED)
+        throw std::bad_alloc();
+    return {static_cast<char*>(memory), [=](char* shared) { munmap(shared, byteCount); }};
+}
 
 // What the program does on its way out, when it is interrupted or crashes, is not for this process to do.
 void BecomeQuiet(unsigned int seconds)
@@ -83,23 +69,24 @@ struct alignas(64) Result
 }
 } // namespace
 
-bool RunApart(std::span<char> bytes, unsigned int seconds, const std::function<bool(char* bytes)>& fill)
+std::optional<FilledBytes> RunApart(size_t byteCount, unsigned int seconds,
+                                    const std::function<bool(char* bytes)>& fill)
 {
-    const SharedMemory shared(sizeof(Result) + bytes.size());
-    Result& result = *new (shared.Bytes()) Result();
-    char* const filled = shared.Bytes() + sizeof(Result);
+    const std::shared_ptr<char> shared = SharedMemory(sizeof(Result) + byteCount);
+    Result& result = *new (shared.get()) Result();
+    char* const bytes = shared.get() + sizeof(Result);
     const pid_t process = fork();
     if (process < 0)
         throw Error(ErrorKind::Computation, "no process can be started; are too many running?");
     if (process == 0)
-        Fill(filled, result, seconds, fill);
+        Fill(bytes, result, seconds, fill);
     while (waitpid(process, nullptr, 0) < 0 && errno == EINTR)
     {
     }
     if (result.hasError)
         throw Error(result.kind, result.message);
-    if (result.done)
-        std::copy_n(filled, bytes.size(), bytes.begin());
-    return result.done;
+    if (!result.done)
+        return std::nullopt;
+    return FilledBytes({shared, bytes}, byteCount);
 }
 } // namespace corvane::host
