@@ -101,7 +101,6 @@ bool Decode(const CompressedFile& file, char* pixels)
 // decoders run for hours, end the program or lose memory, so they work in another process.
 std::optional<std::vector<char>> DecodeApart(std::span<const CompressedFile> files)
 {
-    constexpr size_t kSlowest = 1 << 20; // bytes a second; the slowest decoder makes several times that
     size_t byteCount = 0;
     for (const CompressedFile& file : files)
         byteCount += file.header.PixelBytes();
@@ -118,7 +117,7 @@ std::optional<std::vector<char>> DecodeApart(std::span<const CompressedFile> fil
         }
         return true;
     };
-    const std::optional<FilledBytes> pixels = RunApart(byteCount, unsigned(3 + byteCount / kSlowest), decode);
+    const std::optional<FilledBytes> pixels = RunApart(byteCount, decode);
     if (!pixels)
         return std::nullopt;
     return std::vector<char>(pixels->Bytes().begin(), pixels->Bytes().end());

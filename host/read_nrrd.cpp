@@ -126,8 +126,6 @@ RawVolume VolumeOf(const std::string& path, const PlainHeader& header)
 // The library works in another process: damaged files make it read and write outside its memory.
 RawVolume ReadNrrd(const std::string& path)
 {
-    constexpr unsigned int kSeconds = 3;
-    constexpr size_t kSlowest = 1 << 20; // bytes a second; numbers as text, the slowest encoding, make more
     CheckDataFiles(path);
     const auto readHeader = [&](char* bytes)
     {
@@ -135,7 +133,7 @@ RawVolume ReadNrrd(const std::string& path)
         std::memcpy(bytes, &header, sizeof(header));
         return true;
     };
-    const std::optional<FilledBytes> header = RunApart(sizeof(PlainHeader), kSeconds, readHeader);
+    const std::optional<FilledBytes> header = RunApart(sizeof(PlainHeader), readHeader);
     if (!header)
         Fail(path, "cannot be read as NRRD: the header is damaged");
 
@@ -147,8 +145,7 @@ RawVolume ReadNrrd(const std::string& path)
         ReadNrrdVoxels(path, {bytes, byteCount});
         return true;
     };
-    const std::optional<FilledBytes> voxels =
-        RunApart(byteCount, unsigned(kSeconds + byteCount / kSlowest), readVoxels);
+    const std::optional<FilledBytes> voxels = RunApart(byteCount, readVoxels);
     if (!voxels)
         Fail(path, "cannot be read as NRRD: the voxels are damaged");
     raw.Allocate(FileNameOf(path));

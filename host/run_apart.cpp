@@ -27,7 +27,7 @@ std::shared_ptr<char> SharedMemory(size_t byteCount)
 }
 
 // What the program does on its way out, when it is interrupted or crashes, is not for this process to do.
-void BecomeQuiet(unsigned int seconds)
+void BecomeQuiet(rlim_t seconds)
 {
     for (int number : {SIGINT, SIGTERM, SIGHUP, SIGABRT, SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGXCPU})
         std::signal(number, SIG_DFL);
@@ -49,7 +49,7 @@ struct alignas(64) Result
     char message[4000]; // an Error's are shorter
 };
 
-[[noreturn]] void Fill(char* bytes, Result& result, unsigned int seconds, const std::function<bool(char*)>& fill)
+[[noreturn]] void Fill(char* bytes, Result& result, rlim_t seconds, const std::function<bool(char*)>& fill)
 {
     BecomeQuiet(seconds);
     try
@@ -69,9 +69,9 @@ struct alignas(64) Result
 }
 } // namespace
 
-std::optional<FilledBytes> RunApart(size_t byteCount, unsigned int seconds,
-                                    const std::function<bool(char* bytes)>& fill)
+std::optional<FilledBytes> RunApart(size_t byteCount, const std::function<bool(char* bytes)>& fill)
 {
+    constexpr size_t kSlowest = 1 << 20; // bytes a second
     const std::shared_ptr<char> shared = SharedMemory(sizeof(Result) + byteCount);
     Result& result = *new (shared.get()) Result();
     char* const bytes = shared.get() + sizeof(Result);
@@ -79,7 +79,7 @@ std::optional<FilledBytes> RunApart(size_t byteCount, unsigned int seconds,
     if (process < 0)
         throw Error(ErrorKind::Computation, "no process can be started; are too many running?");
     if (process == 0)
-        Fill(bytes, result, seconds, fill);
+        Fill(bytes, result, 3 + byteCount / kSlowest, fill);
     while (waitpid(process, nullptr, 0) < 0 && errno == EINTR)
     {
     }

@@ -25,14 +25,13 @@ private:
 
 // Fills bytes in a process of its own. For libraries that damaged data can make end the program, run without end, lose
 // memory or write messages: all that stays in that process, whose standard output and error go nowhere.
-//   byteCount  how many bytes
-//   seconds    of processor time that the work may take
+//   byteCount  how many bytes. The work may take 3 seconds of processor time, and one more for each million of them:
+//              several times what the slowest, decoders and numbers as text, take
 //   fill       does the work on bytes that are 0; false when it fails. Only the thread that calls this goes on over
 //              there
 //   returns    nothing when the work failed, threw anything but an Error, ended its process or took too long
 // Throws the Error that the work throws, and Error (Computation) when no process can be started.
-std::optional<FilledBytes> RunApart(size_t byteCount, unsigned int seconds,
-                                    const std::function<bool(char* bytes)>& fill);
+std::optional<FilledBytes> RunApart(size_t byteCount, const std::function<bool(char* bytes)>& fill);
 } // namespace corvane::host
 
 #endif

@@ -16,15 +16,15 @@ namespace
 {
 std::string ResultOf(const std::function<bool(char*)>& fill)
 {
-    const auto filled = RunApart(4, 1, fill);
+    const auto filled = RunApart(4, fill);
     return filled ? std::string(filled->Bytes().begin(), filled->Bytes().end()) : "nothing";
 }
 
 TEST(RunApart, GivesTheBytesOfWorkThatIsDone)
 {
     EXPECT_EQ(ResultOf([](char* bytes) { return std::memcpy(bytes, "done", 4) != nullptr; }), "done");
-    EXPECT_EQ(RunApart(0, 1, [](char*) { return true; })->Bytes().size(), 0u);
-    const auto many = RunApart(1 << 24, 1, [](char* bytes) { return bytes[(1 << 24) - 1] = 7; });
+    EXPECT_EQ(RunApart(0, [](char*) { return true; })->Bytes().size(), 0u);
+    const auto many = RunApart(1 << 24, [](char* bytes) { return bytes[(1 << 24) - 1] = 7; });
     EXPECT_EQ(many->Bytes().back(), 7);
 }
 
